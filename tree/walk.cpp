@@ -1,0 +1,44 @@
+#include "tree/walk.h"
+
+#include "tree/node.h"
+
+CNode *FindNode(CNode *start, int32_t id)
+{
+    if (start == nullptr) return nullptr;
+    CNode *const bound = start->m_parent;
+    CNode *node = start;
+    for (;;) {
+        if (node->m_id == id) return node;
+        if (node->m_child != nullptr) {
+            node = node->m_child;
+            continue;
+        }
+        while (node->m_next == nullptr) {
+            node = node->m_parent;
+            if (node == bound || node == nullptr) return nullptr;
+        }
+        node = node->m_next;
+    }
+}
+
+CNode *FindInChain(CNode *start, int32_t id)
+{
+    for (CNode *node = start; node != nullptr; node = node->m_next) {
+        if (node->m_id == id) return node;
+    }
+    return nullptr;
+}
+
+CTag *AsTag(CNode *node)
+{
+    CTag *tag = dynamic_cast<CTag *>(node);
+    return tag != nullptr && tag->m_id != NODE_STRIP ? tag : nullptr;
+}
+
+int InsertAfter(CNode *node, CNode *newNode)
+{
+    if (node->m_next != nullptr) newNode->m_next = node->m_next;
+    node->m_next = newNode;
+    newNode->m_parent = node->m_parent;
+    return 1;
+}
