@@ -16,6 +16,14 @@ constexpr int FPXR_AUDIO_TYPE = 2;
 // Where a head segment has "RIFF" and the RIFF size field behind it.
 constexpr int FPXR_RIFF_OFFSET = 41;
 constexpr int FPXR_RIFF_SIZE_OFFSET = 45;
+// A head is at least this long: it must hold the RIFF size field.
+constexpr int FPXR_HEAD_MIN_SIZE = FPXR_RIFF_SIZE_OFFSET + 4;
+// The RIFF size field leaves out "RIFF" and itself.
+constexpr int RIFF_UNCOUNTED = 8;
+// The index of no stream: a walk starts with it.
+constexpr uint16_t FPXR_NO_INDEX = 0xFFFF;
+// The JPEG marker code of the segments: APP2.
+constexpr int32_t FPXR_MARKER = 0xE2;
 
 // The header of an OLE property set stream, between the header and the data
 // of a first segment.

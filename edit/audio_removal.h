@@ -1,0 +1,15 @@
+#ifndef ZEXIF_EDIT_AUDIO_REMOVAL_H
+#define ZEXIF_EDIT_AUDIO_REMOVAL_H
+
+struct CExifDoc;
+
+// Removes the audio nodes that an earlier zExifSetAudioFile planned. Returns 1
+// when there were any.
+int DropAudioPlan(CExifDoc *doc);
+
+// Removes the source's audio segments: every head, and the continuations of
+// the stream last started until it is complete. Other APP2 segments stay,
+// loaded. Returns 1 when a head was removed.
+int RemoveSourceAudio(CExifDoc *doc);
+
+#endif
