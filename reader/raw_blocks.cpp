@@ -1,0 +1,31 @@
+#include <new>
+
+#include "reader/reader.h"
+#include "reader/tif_tag_list.h"
+#include "streams/stream.h"
+#include "zexif.h"
+
+// new[], because zExifInsertExifMarker hands the buffer to a node, which
+// releases its data with delete[]. What a truncated file doesn't hold stays
+// zero.
+int zRExifGetExifMarker(CExifReader *reader, ExifBuffer *out)
+{
+    const ReaderSegment &segment = reader->m_exifSegment;
+    if (reader->m_format != FORMAT_JPEG || reader->m_hasExif == 0 || segment.size < 1) return -1;
+    unsigned char *buffer = new (std::nothrow) unsigned char[static_cast<uint32_t>(segment.size)]();
+    if (buffer == nullptr) return -1;
+    reader->m_stream->Seek(0, segment.offset);
+    reader->m_stream->Read(buffer, static_cast<uint32_t>(segment.size));
+    out->data = buffer;
+    out->size = static_cast<uint32_t>(segment.size);
+    return 0;
+}
+
+// An Exif IFD without entries gives 0 and a null list.
+int zRExifGetTIFExifData(CExifReader *reader, TifTagList **out)
+{
+    if (reader->m_format != FORMAT_TIFF || reader->m_hasExif == 0 || reader->m_exifIfdOffset < 1) return -1;
+    reader->m_stream->Seek(0, reader->m_exifIfdOffset);
+    *out = ReadTifTagList(reader->m_bigEndian, reader->m_stream);
+    return 0;
+}

@@ -1,0 +1,68 @@
+#ifndef ZEXIF_READER_READER_H
+#define ZEXIF_READER_READER_H
+
+#include <cstdint>
+
+#include "zexif.h"
+
+class CStreamIO;
+
+// FPXR segments a reader records; a file with more gets the first ones only.
+constexpr int READER_MAX_FPXR_SEGMENTS = 3000;
+
+// The "Exif" signature and the two bytes behind it, before the TIFF block.
+constexpr int32_t EXIF_PREFIX_SIZE = 6;
+
+// One APP segment of a JPEG file. offset is the file position of the first
+// payload byte; size counts the payload, signature included.
+struct ReaderSegment {
+    char signature[12];
+    int32_t size;
+    int32_t offset;
+};
+
+// A cached tag value. data is a new[] copy in the form handed to callers:
+// numbers in host order, 1-byte values in file order.
+struct ReaderTagSlot {
+    uint32_t tag = 0;
+    uint32_t type = 0;
+    uint32_t count = 0;
+    unsigned char *data = nullptr;
+};
+
+// The read-only handle: the open file, where its segments lie and a small
+// cache. Flags go from 0 to 1 and stay there until the reader ends.
+struct CExifReader {
+    int32_t m_bigEndian = 0;
+    const void *m_path = nullptr;
+    CStreamIO *m_stream = nullptr;
+    int32_t m_format = 0;
+    ReaderSegment m_exifSegment = {};
+    int32_t m_fpxrCount = 0;
+    // Left uncleared: only entries below m_fpxrCount are ever read.
+    ReaderSegment m_fpxrSegments[READER_MAX_FPXR_SEGMENTS];
+    int32_t m_tagFound = 0;
+    int32_t m_hasDateTime = 0;
+    int32_t m_hasMake = 0;
+    int32_t m_hasModel = 0;
+    int32_t m_hasImageDescription = 0;
+    int32_t m_hasOrientation = 0;
+    int32_t m_hasExif = 0;
+    int32_t m_hasAudio = 0;
+    int32_t m_hasThumb = 0;
+    int32_t m_thumbLoaded = 0;
+    int32_t m_exifIfdOffset = -1;
+    int32_t m_gpsIfdOffset = -1;
+    ReaderTagSlot *m_dateTime = nullptr;
+    ReaderTagSlot *m_make = nullptr;
+    ReaderTagSlot *m_model = nullptr;
+    ReaderTagSlot *m_orientation = nullptr;
+    ReaderTagSlot *m_imageDescription = nullptr;
+    ReaderTagSlot *m_wantedTag = nullptr;
+    ExifBuffer *m_thumb = nullptr;
+    // Bytes in the file, measured at the open: every length and offset that
+    // the file states is held against it.
+    int64_t m_fileSize = 0;
+};
+
+#endif

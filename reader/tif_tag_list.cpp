@@ -1,0 +1,152 @@
+#include "reader/tif_tag_list.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "reader/ifd_table.h"
+#include "reader/tag_value.h"
+#include "streams/stream.h"
+
+namespace {
+
+enum ItemResult { ITEM_ADDED, ITEM_LEFT_OUT, ITEM_NO_MEMORY };
+
+int IsByteClass(uint32_t type)
+{
+    return TiffTypeSize(type) == 1;
+}
+
+// Bytes of an item's buffer: a 1-byte value has room for a NUL behind it.
+int64_t ItemDataSize(const IfdEntry &entry)
+{
+    int64_t size = EntryDataSize(entry.type, entry.count);
+    return IsByteClass(entry.type) ? size + 1 : size;
+}
+
+// 1 when the value could be had; the bytes of data that it doesn't cover stay
+// zero, the NUL behind a 1-byte value among them. The size was held against
+// the stream before data was allocated.
+int FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const unsigned char *field, unsigned char *data)
+{
+    int64_t size = EntryDataSize(entry.type, entry.count);
+    if (ValueFitsEntry(entry.type, entry.count)) {
+        unsigned char value[4];
+        DecodeInlineValue(field, entry.type, bigEndian, value);
+        std::memcpy(data, value, static_cast<size_t>(size));
+        return 1;
+    }
+    int32_t position;
+    if (!ValuePosition(0, entry.value, &position)) return 0;
+    uint32_t got = ReadValueAt(stream, position, data, static_cast<uint32_t>(size));
+    DecodeValueBytes(data, got, entry.type, bigEndian);
+    return 1;
+}
+
+ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, int64_t limit, const unsigned char *p)
+{
+    IfdEntry entry = DecodeEntry(p, bigEndian);
+    int known = TiffTypeSize(entry.type) != 0;
+    if (known && !ValueSizeFits(EntryDataSize(entry.type, entry.count), limit)) return ITEM_LEFT_OUT;
+    int64_t size = known ? ItemDataSize(entry) : 0;
+    TifTagItem *item = AllocTifTagItem(0);
+    if (item == nullptr) return ITEM_NO_MEMORY;
+    item->tag = entry.tag;
+    item->type = entry.type;
+    item->count = entry.count;
+    if (size > 0) {
+        item->data = std::calloc(static_cast<size_t>(size), 1);
+        if (item->data == nullptr) {
+            std::free(item);
+            return ITEM_NO_MEMORY;
+        }
+        if (!FillItemData(bigEndian, stream, entry, EntryField(p), static_cast<unsigned char *>(item->data))) {
+            std::free(item->data);
+            std::free(item);
+            return ITEM_LEFT_OUT;
+        }
+    }
+    AddTifTagItem(list, item);
+    return ITEM_ADDED;
+}
+
+// A list that lost an item to memory would carry a file's Exif over in part;
+// it is dropped whole instead.
+TifTagList *BuildList(int bigEndian, CStreamIO *stream, int64_t limit, const unsigned char *table, int32_t count)
+{
+    TifTagList *list = AllocTifTagList(count);
+    if (list == nullptr) return nullptr;
+    for (int32_t i = 0; i < count; i++) {
+        const unsigned char *p = table + static_cast<uint32_t>(i) * IFD_ENTRY_SIZE;
+        if (AddEntryItem(list, bigEndian, stream, limit, p) == ITEM_NO_MEMORY) {
+            FreeTifTagList(list);
+            return nullptr;
+        }
+    }
+    return list;
+}
+
+}  // namespace
+
+TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream)
+{
+    int32_t count = ReadEntryCount(stream, bigEndian);
+    if (count < 1) return nullptr;
+    int64_t limit = StreamSize(stream);
+    uint32_t got = 0;
+    unsigned char *table = ReadIfdTable(stream, count, 0, limit, &got);
+    if (table == nullptr || got < static_cast<uint32_t>(count) * IFD_ENTRY_SIZE) {
+        delete[] table;
+        return nullptr;
+    }
+    int32_t linkPosition = stream->Tell();
+    TifTagList *list = BuildList(bigEndian, stream, limit, table, count);
+    stream->Seek(0, linkPosition);
+    delete[] table;
+    return list;
+}
+
+TifTagList *AllocTifTagList(int32_t capacity)
+{
+    TifTagList *list = static_cast<TifTagList *>(std::calloc(1, sizeof(TifTagList)));
+    if (list == nullptr || capacity < 1) return list;
+    list->items = static_cast<TifTagItem **>(std::calloc(static_cast<size_t>(capacity), sizeof(TifTagItem *)));
+    if (list->items == nullptr) {
+        std::free(list);
+        return nullptr;
+    }
+    return list;
+}
+
+TifTagItem *AllocTifTagItem(uint32_t size)
+{
+    TifTagItem *item = static_cast<TifTagItem *>(std::calloc(1, sizeof(TifTagItem)));
+    if (item == nullptr || size == 0) return item;
+    item->data = std::calloc(size, 1);
+    if (item->data == nullptr) {
+        std::free(item);
+        return nullptr;
+    }
+    return item;
+}
+
+int AddTifTagItem(TifTagList *list, TifTagItem *item)
+{
+    if (list == nullptr || item == nullptr) return 0;
+    list->items[list->count] = item;
+    list->count++;
+    return 1;
+}
+
+void FreeTifTagList(TifTagList *list)
+{
+    if (list == nullptr) return;
+    if (list->items != nullptr) {
+        for (int32_t i = 0; i < list->count; i++) {
+            if (list->items[i] == nullptr) continue;
+            std::free(list->items[i]->data);
+            std::free(list->items[i]);
+        }
+        std::free(list->items);
+    }
+    std::free(list);
+}
