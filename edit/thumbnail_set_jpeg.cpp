@@ -1,0 +1,125 @@
+#include "edit/marker_chain.h"
+#include "edit/thumbnail_edit.h"
+#include "tree/document.h"
+#include "tree/walk.h"
+
+namespace {
+
+constexpr int32_t TAG_THUMB_LENGTH = 514;
+
+int32_t SizeOf(const ExifBuffer *buffer)
+{
+    return static_cast<int32_t>(buffer->size);
+}
+
+CNode *FindIfdBehind(CNode *header, uint32_t index)
+{
+    for (CNode *node = header; node != nullptr; node = node->m_next) {
+        if (node->m_id == NODE_IFD && node->m_value == index) return node;
+    }
+    return nullptr;
+}
+
+// Destroys the nodes made for a thumbnail that can't go in, and gives
+// m_thumbTag back the tag it had.
+int DropUnplaced(CExifDoc *doc, CTag *thumbTag, CNode *const *nodes, int count)
+{
+    for (int i = 0; i < count; i++) {
+        if (nodes[i] != nullptr) DestroyDetached(doc, nodes[i]);
+    }
+    doc->m_thumbTag = thumbTag;
+    return -1;
+}
+
+int FinishThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
+{
+    doc->m_hasThumb = 1;
+    doc->m_thumbLoaded = 1;
+    doc->m_thumbType = THUMB_TYPE_JPEG;
+    CTag *length = FindThumbLengthTag(doc);
+    if (length != nullptr) length->m_value = buffer->size;
+    return 0;
+}
+
+// The estimate is the payload as the source had it with the old thumbnail's
+// bytes swapped for the new ones.
+int ReplaceThumbnail(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
+{
+    CTag *length = AsTag(FindNode(doc->m_thumbTag, TAG_THUMB_LENGTH));
+    int64_t old = length != nullptr ? length->m_value : 0;
+    if (int64_t(buffer->size) - old + app1->m_size > THUMB_APP1_LIMIT) return -1;
+    if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return -1;
+    return FinishThumbnail(doc, buffer);
+}
+
+// The new IFD 1 takes the place of the old one and of all behind it. Without
+// an IFD 0 a minimal one is made in front of it. All nodes and the copy are
+// made before the tree changes, and the IFDs that give way are destroyed only
+// once the new ones stand.
+int AddThumbnailToApp1(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
+{
+    CNode *header = FindInChain(app1->m_child, NODE_TIFF_HEADER);
+    if (header == nullptr) return -1;
+    if (int64_t(buffer->size) + app1->m_size > THUMB_APP1_LIMIT) return -1;
+    CNode *ifd0 = FindIfdBehind(header, 0);
+    CTag *thumbTag = doc->m_thumbTag;
+    CNode *made[2] = {MakeEmptyIfd(1), ifd0 == nullptr ? MakeEmptyIfd(0) : nullptr};
+    CNode *newIfd1 = made[0];
+    CNode *newIfd0 = made[1];
+    if (newIfd1 == nullptr || (ifd0 == nullptr && newIfd0 == nullptr)) return DropUnplaced(doc, thumbTag, made, 2);
+    if (!BuildThumbIfd(doc, newIfd1, 0)) return DropUnplaced(doc, thumbTag, made, 2);
+    if (newIfd0 != nullptr && !BuildIfd0(doc, newIfd0)) return DropUnplaced(doc, thumbTag, made, 2);
+    if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 2);
+
+    CNode *dropped = nullptr;
+    if (ifd0 != nullptr) {
+        if (FindIfdBehind(header, 1) != nullptr) {
+            dropped = ifd0->m_next;
+            ifd0->m_next = nullptr;
+        }
+        InsertAfter(ifd0, newIfd1);
+    } else {
+        dropped = header->m_next;
+        header->m_next = nullptr;
+        InsertAfter(header, newIfd0);
+        InsertAfter(newIfd0, newIfd1);
+    }
+    if (dropped != nullptr) DestroyDetached(doc, dropped);
+    return FinishThumbnail(doc, buffer);
+}
+
+// A JPEG without APP1 gets one: TIFF header, a minimal IFD 0 and the
+// thumbnail's IFD 1.
+int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
+{
+    if (int64_t(buffer->size) > THUMB_NEW_LIMIT) return -1;
+    CNode *place = FindApp1Place(doc);
+    if (place == nullptr) return -1;
+    CTag *thumbTag = doc->m_thumbTag;
+    CMarker *marker = MakeExifMarker(0);
+    CNode *made[4] = {marker, MakeTiffHeaderNode(), MakeEmptyIfd(0), MakeEmptyIfd(1)};
+    for (CNode *node : made) {
+        if (node == nullptr) return DropUnplaced(doc, thumbTag, made, 4);
+    }
+    if (!BuildIfd0(doc, made[2]) || !BuildThumbIfd(doc, made[3], 0)) return DropUnplaced(doc, thumbTag, made, 4);
+    if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 4);
+
+    InsertAfter(place, marker);
+    doc->MoveTo(marker);
+    doc->AddChild(made[1]);
+    doc->AddSibling(made[2]);
+    doc->AddSibling(made[3]);
+    doc->m_bigEndian = 0;
+    doc->m_exifMarker = marker;
+    return FinishThumbnail(doc, buffer);
+}
+
+}  // namespace
+
+int SetJpegThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
+{
+    CMarker *app1 = FindTopLevelMarker(doc, MARKER_APP1);
+    if (app1 == nullptr) return AddThumbnailWithApp1(doc, buffer);
+    if (doc->m_hasThumb && doc->m_thumbTag != nullptr) return ReplaceThumbnail(doc, app1, buffer);
+    return AddThumbnailToApp1(doc, app1, buffer);
+}

@@ -1,0 +1,56 @@
+#include "support/thumb_jpeg.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "streams/stream.h"
+
+const std::vector<uint8_t> &JfifPayload()
+{
+    static const std::vector<uint8_t> payload = {'J', 'F', 'I', 'F', 0, 1, 2, 0, 0, 1, 0, 1, 0, 0};
+    return payload;
+}
+
+std::vector<HandTag> OldThumbIfd(uint32_t size)
+{
+    return {{259, 3, 1, 6}, {513, 4, 1, kOldThumbOffset}, {514, 4, 1, size}};
+}
+
+InMemoryExifJpeg::InMemoryExifJpeg(size_t payloadSize, const std::vector<uint8_t> &oldThumb,
+                                   const std::vector<std::vector<HandTag>> &ifds)
+{
+    std::vector<uint8_t> payload(std::max(payloadSize, oldThumb.size() + 6 + kOldThumbOffset), 0);
+    std::memcpy(payload.data(), "Exif\0\0II*\0", 10);
+    std::copy(oldThumb.begin(), oldThumb.end(), payload.begin() + 6 + kOldThumbOffset);
+    payload.resize(payloadSize);
+    jpeg.Segment(0xE0, JfifPayload()).Segment(0xE1, payload).Segment(0xDB, {0, 1, 2});
+    doc = jpeg.Load();
+    app1 = MarkersOf(*doc)[2];
+    if (!ifds.empty()) HangTiffBlock(*doc, app1, ifds);
+}
+
+ExifBuffer BufferOf(std::vector<uint8_t> &bytes)
+{
+    return ExifBuffer{bytes.data(), uint32_t(bytes.size())};
+}
+
+std::vector<uint8_t> BytesOf(const ExifBuffer &buffer)
+{
+    return std::vector<uint8_t>(buffer.data, buffer.data + buffer.size);
+}
+
+std::vector<uint8_t> GetThumbnail(CExifDoc *doc)
+{
+    ExifBuffer out{nullptr, 0};
+    if (zExifGetThumbnailData(doc, &out) != 0) return {};
+    std::vector<uint8_t> bytes = BytesOf(out);
+    std::free(out.data);
+    return bytes;
+}
+
+void DropSource(CExifDoc &doc)
+{
+    DeleteStream(doc.m_stream);
+    doc.m_stream = nullptr;
+}
