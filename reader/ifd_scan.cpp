@@ -31,12 +31,11 @@ struct EntryValue {
     ~EntryValue() { delete[] m_fetched; }
 };
 
-// A value that can't be in the stream stays absent; one that the stream's end
-// cuts off keeps zeros where no bytes came.
+// A value that doesn't lie within the stream stays absent.
 void FetchValue(const IfdScan &scan, const IfdEntry &entry, int64_t size, EntryValue *value)
 {
     int32_t position;
-    if (!ValueSizeFits(size, scan.m_limit) || !ValuePosition(scan.m_base, entry.value, &position)) return;
+    if (!LocateValue(scan.m_base, entry.value, size, scan.m_limit, &position)) return;
     uint32_t bytes = static_cast<uint32_t>(size);
     value->m_fetched = new (std::nothrow) unsigned char[bytes];
     if (value->m_fetched == nullptr) return;

@@ -47,18 +47,13 @@ uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, 
     return ReadU32(value, 0);
 }
 
-int ValuePosition(int64_t base, uint32_t offset, int32_t *position)
+int LocateValue(int64_t base, uint32_t offset, int64_t size, int64_t limit, int32_t *position)
 {
-    if (offset > uint32_t(INT32_MAX)) return 0;
-    int64_t sum = base + offset;
-    if (sum < 0 || sum > INT32_MAX) return 0;
-    *position = static_cast<int32_t>(sum);
+    if (offset > uint32_t(INT32_MAX) || size < 0) return 0;
+    int64_t start = base + offset;
+    if (start < 0 || start + size > limit || start > INT32_MAX) return 0;
+    *position = static_cast<int32_t>(start);
     return 1;
-}
-
-int ValueSizeFits(int64_t size, int64_t limit)
-{
-    return size >= 0 && size <= int64_t(UINT32_MAX) && size <= limit ? 1 : 0;
 }
 
 uint32_t ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size)

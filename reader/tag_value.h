@@ -29,12 +29,10 @@ void DecodeValueBytes(unsigned char *bytes, uint32_t size, uint32_t type, int bi
 // the value stands in the entry: what an offset or a length tag means.
 uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, int bigEndian);
 
-// Where an out-of-entry value starts: the field as an offset from base. 0
-// when the offset has its top bit set or the sum can't be sought to.
-int ValuePosition(int64_t base, uint32_t offset, int32_t *position);
-
-// 1 when a value of that many bytes can be in a stream of limit bytes.
-int ValueSizeFits(int64_t size, int64_t limit);
+// Where an out-of-entry value of size bytes starts: the field as an offset
+// from base. 0 when the offset has its top bit set or the value doesn't lie
+// wholly within a stream of limit bytes.
+int LocateValue(int64_t base, uint32_t offset, int64_t size, int64_t limit, int32_t *position);
 
 // Reads size bytes at position into a buffer cleared before, so that what a
 // short read leaves is zero. Returns the bytes that came.

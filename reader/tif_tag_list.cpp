@@ -11,59 +11,57 @@ namespace {
 
 enum ItemResult { ITEM_ADDED, ITEM_LEFT_OUT, ITEM_NO_MEMORY };
 
-int IsByteClass(uint32_t type)
-{
-    return TiffTypeSize(type) == 1;
-}
-
-// Bytes of an item's buffer: a 1-byte value has room for a NUL behind it.
+// Bytes of an item's buffer: a 1-byte value has room for a NUL behind it,
+// which calloc has put there already.
 int64_t ItemDataSize(const IfdEntry &entry)
 {
     int64_t size = EntryDataSize(entry.type, entry.count);
-    return IsByteClass(entry.type) ? size + 1 : size;
+    return TiffTypeSize(entry.type) == 1 ? size + 1 : size;
 }
 
-// 1 when the value could be had; the bytes of data that it doesn't cover stay
-// zero, the NUL behind a 1-byte value among them. The size was held against
-// the stream before data was allocated.
-int FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const unsigned char *field, unsigned char *data)
+int IsOutsideEntry(const IfdEntry &entry)
+{
+    return TiffTypeSize(entry.type) != 0 && !ValueFitsEntry(entry.type, entry.count);
+}
+
+void FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const unsigned char *field,
+                  int32_t position, unsigned char *data)
 {
     int64_t size = EntryDataSize(entry.type, entry.count);
-    if (ValueFitsEntry(entry.type, entry.count)) {
-        unsigned char value[4];
-        DecodeInlineValue(field, entry.type, bigEndian, value);
-        std::memcpy(data, value, static_cast<size_t>(size));
-        return 1;
+    if (IsOutsideEntry(entry)) {
+        uint32_t got = ReadValueAt(stream, position, data, static_cast<uint32_t>(size));
+        DecodeValueBytes(data, got, entry.type, bigEndian);
+        return;
     }
-    int32_t position;
-    if (!ValuePosition(0, entry.value, &position)) return 0;
-    uint32_t got = ReadValueAt(stream, position, data, static_cast<uint32_t>(size));
-    DecodeValueBytes(data, got, entry.type, bigEndian);
-    return 1;
+    unsigned char value[4];
+    DecodeInlineValue(field, entry.type, bigEndian, value);
+    std::memcpy(data, value, static_cast<size_t>(size));
 }
 
+// A type outside 1 to 12 gets no data. A value that doesn't lie within the
+// stream leaves its entry out of the list, rather than hand on a buffer that
+// the file never filled.
 ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, int64_t limit, const unsigned char *p)
 {
     IfdEntry entry = DecodeEntry(p, bigEndian);
-    int known = TiffTypeSize(entry.type) != 0;
-    if (known && !ValueSizeFits(EntryDataSize(entry.type, entry.count), limit)) return ITEM_LEFT_OUT;
-    int64_t size = known ? ItemDataSize(entry) : 0;
+    int32_t position = 0;
+    if (IsOutsideEntry(entry) &&
+        !LocateValue(0, entry.value, EntryDataSize(entry.type, entry.count), limit, &position)) {
+        return ITEM_LEFT_OUT;
+    }
     TifTagItem *item = AllocTifTagItem(0);
     if (item == nullptr) return ITEM_NO_MEMORY;
     item->tag = entry.tag;
     item->type = entry.type;
     item->count = entry.count;
+    int64_t size = TiffTypeSize(entry.type) == 0 ? 0 : ItemDataSize(entry);
     if (size > 0) {
         item->data = std::calloc(static_cast<size_t>(size), 1);
         if (item->data == nullptr) {
             std::free(item);
             return ITEM_NO_MEMORY;
         }
-        if (!FillItemData(bigEndian, stream, entry, EntryField(p), static_cast<unsigned char *>(item->data))) {
-            std::free(item->data);
-            std::free(item);
-            return ITEM_LEFT_OUT;
-        }
+        FillItemData(bigEndian, stream, entry, EntryField(p), position, static_cast<unsigned char *>(item->data));
     }
     AddTifTagItem(list, item);
     return ITEM_ADDED;
