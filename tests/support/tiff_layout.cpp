@@ -146,10 +146,13 @@ std::vector<uint8_t> TiffLayout::Build() const
         out.U16(uint16_t(entries.size()));
         for (const auto &entry : entries) {
             out.U16(entry.tag).U16(entry.type).U32(entry.count);
-            if (entry.ifd >= 0) {
-                out.U32(IfdOffset(entry.ifd));
-            } else if (entry.blob >= 0) {
-                out.U32(BlobOffset(entry.blob));
+            if (entry.ifd >= 0 || entry.blob >= 0) {
+                uint32_t offset = entry.ifd >= 0 ? IfdOffset(entry.ifd) : BlobOffset(entry.blob);
+                if (entry.type == 3) {
+                    out.U16(uint16_t(offset)).U16(0);
+                } else {
+                    out.U32(offset);
+                }
             } else if (ValueSize(entry) > 4) {
                 out.U32(uint32_t(valuePos));
                 valuePos += Padded(ValueSize(entry));

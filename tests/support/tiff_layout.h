@@ -8,7 +8,7 @@
 // One entry of a laid-out IFD. Its value is given by class and encoded in the
 // block's byte order when the block is built; a value of more than 4 bytes
 // goes behind its IFD. ifd or blob, where set, make the value the offset of
-// that IFD or blob.
+// that IFD or blob, as a LONG or, for type 3, a SHORT.
 struct LayoutEntry {
     uint16_t tag = 0;
     uint16_t type = 0;
