@@ -122,7 +122,9 @@ ZEXIF_API int zRExifIsThumbnailExist(CExifReader *reader);
 ZEXIF_API int zRExifGetThumbnailData(CExifReader *reader, ExifBuffer *out);
 /* out->data is for zExifInsertExifMarker to take over. */
 ZEXIF_API int zRExifGetExifMarker(CExifReader *reader, ExifBuffer *out);
-/* *out is for zExifSetTIFExifData to take over and release. */
+/* *out is for zExifSetTIFExifData to take over and release. A list that no
+ * zExifSetTIFExifData takes is the caller's: the list, its items array, each
+ * item and each item's data come from malloc and are released with free(). */
 ZEXIF_API int zRExifGetTIFExifData(CExifReader *reader, TifTagList **out);
 
 ZEXIF_API int zRExifIsAudioExist(CExifReader *reader);

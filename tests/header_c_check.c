@@ -9,7 +9,7 @@ int main(void)
     ExifBuffer buffer = {NULL, 0};
     TifTagList list = {0, NULL};
     CExifDoc *doc = zExifLoadFile("/nonexistent/zexif-header-check.jpg");
-    CExifReader *reader = NULL;
+    CExifReader *reader = zRExifBeginRead("/nonexistent/zexif-header-check.jpg");
     (void)value;
     (void)buffer;
     (void)list;
