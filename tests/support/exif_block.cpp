@@ -1,5 +1,7 @@
 #include "support/exif_block.h"
 
+#include <cstring>
+
 #include "support/byte_builder.h"
 
 const char kBlockDate[21] = "2021:02:03 04:05:06";
@@ -42,7 +44,8 @@ std::vector<uint8_t> ExifBlock(const ExifBlockSpec &spec)
 
 std::vector<uint8_t> ExifPayload(const std::vector<uint8_t> &block)
 {
-    std::vector<uint8_t> payload = {'E', 'x', 'i', 'f', 0, 0};
-    payload.insert(payload.end(), block.begin(), block.end());
+    std::vector<uint8_t> payload(6 + block.size(), 0);
+    std::memcpy(payload.data(), "Exif", 4);
+    if (!block.empty()) std::memcpy(payload.data() + 6, block.data(), block.size());
     return payload;
 }

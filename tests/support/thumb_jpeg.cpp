@@ -20,9 +20,10 @@ std::vector<HandTag> OldThumbIfd(uint32_t size)
 InMemoryExifJpeg::InMemoryExifJpeg(size_t payloadSize, const std::vector<uint8_t> &oldThumb,
                                    const std::vector<std::vector<HandTag>> &ifds)
 {
-    std::vector<uint8_t> payload(std::max(payloadSize, oldThumb.size() + 6 + kOldThumbOffset), 0);
-    std::memcpy(payload.data(), "Exif\0\0II*\0", 10);
-    std::copy(oldThumb.begin(), oldThumb.end(), payload.begin() + 6 + kOldThumbOffset);
+    std::vector<uint8_t> payload(std::max(payloadSize, 6 + kOldThumbOffset + oldThumb.size()), 0);
+    const uint8_t head[10] = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0};
+    for (size_t i = 0; i < sizeof(head); i++) payload[i] = head[i];
+    for (size_t i = 0; i < oldThumb.size(); i++) payload[6 + kOldThumbOffset + i] = oldThumb[i];
     payload.resize(payloadSize);
     jpeg.Segment(0xE0, JfifPayload()).Segment(0xE1, payload).Segment(0xDB, {0, 1, 2});
     doc = jpeg.Load();
