@@ -16,8 +16,7 @@ struct IfdScan {
     CStreamIO *m_stream;
     CExifReader *m_reader;
     uint32_t m_wantedTag;
-    int64_t m_base;   // where value offsets count from
-    int64_t m_limit;  // bytes the stream holds
+    int64_t m_base;  // where value offsets count from
 };
 
 // An entry's value as far as the scan could have it.
@@ -35,12 +34,11 @@ struct EntryValue {
 void FetchValue(const IfdScan &scan, const IfdEntry &entry, int64_t size, EntryValue *value)
 {
     int32_t position;
-    if (!LocateValue(scan.m_base, entry.value, size, scan.m_limit, &position)) return;
+    if (!LocateValue(scan.m_stream, scan.m_base, entry.value, size, &position)) return;
     uint32_t bytes = static_cast<uint32_t>(size);
     value->m_fetched = new (std::nothrow) unsigned char[bytes];
-    if (value->m_fetched == nullptr) return;
-    uint32_t got = ReadValueAt(scan.m_stream, position, value->m_fetched, bytes);
-    DecodeValueBytes(value->m_fetched, got, entry.type, scan.m_bigEndian);
+    if (value->m_fetched == nullptr || !ReadValueAt(scan.m_stream, position, value->m_fetched, bytes)) return;
+    DecodeValueBytes(value->m_fetched, bytes, entry.type, scan.m_bigEndian);
     value->m_present = 1;
     value->m_data = value->m_fetched;
     value->m_size = bytes;
@@ -145,10 +143,10 @@ int32_t ScanIfd(int bigEndian, CStreamIO *stream, CExifReader *reader, uint32_t 
     int32_t count = ReadEntryCount(stream, bigEndian);
     if (count < 1) return 0;
     int64_t base = exifRelative ? int64_t(reader->m_exifSegment.offset) + EXIF_PREFIX_SIZE : 0;
-    IfdScan scan = {bigEndian, stream, reader, wantedTag, base, StreamLimit(reader, stream)};
+    IfdScan scan = {bigEndian, stream, reader, wantedTag, base};
     uint32_t tableSize = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE;
     uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 4, scan.m_limit, &got);
+    unsigned char *table = ReadIfdTable(stream, count, 4, &got);
     if (table == nullptr || got < tableSize) {
         delete[] table;
         return 0;

@@ -10,8 +10,8 @@ class CStreamIO;
 int32_t ReadEntryCount(CStreamIO *stream, int bigEndian);
 
 // The entries of an IFD whose count was just read, and 'extra' bytes behind
-// them, in a new[] buffer. Null when the table alone can't be in a stream of
-// limit bytes or no memory; *got tells how many bytes came.
-unsigned char *ReadIfdTable(CStreamIO *stream, int32_t count, uint32_t extra, int64_t limit, uint32_t *got);
+// them, in a new[] buffer: 393,220 bytes at most. Null for a count below 1 or
+// no memory; *got tells how many bytes came.
+unsigned char *ReadIfdTable(CStreamIO *stream, int32_t count, uint32_t extra, uint32_t *got);
 
 #endif

@@ -35,6 +35,7 @@ struct ReaderTagSlot {
 struct CExifReader {
     int32_t m_bigEndian = 0;
     const void *m_path = nullptr;
+    // The file, through a page cache over the file stream.
     CStreamIO *m_stream = nullptr;
     int32_t m_format = 0;
     ReaderSegment m_exifSegment = {};
@@ -60,9 +61,6 @@ struct CExifReader {
     ReaderTagSlot *m_imageDescription = nullptr;
     ReaderTagSlot *m_wantedTag = nullptr;
     ExifBuffer *m_thumb = nullptr;
-    // Bytes in the file, measured at the open: every length and offset that
-    // the file states is held against it.
-    int64_t m_fileSize = 0;
 };
 
 #endif

@@ -1,9 +1,9 @@
 #include <new>
 
+#include "reader/cached_file.h"
 #include "reader/jpeg_scan.h"
 #include "reader/reader.h"
 #include "reader/tag_slots.h"
-#include "reader/tag_value.h"
 #include "reader/thumbnail.h"
 #include "reader/tiff_chain.h"
 #include "streams/stream.h"
@@ -42,14 +42,19 @@ CExifReader *zRExifBeginRead(const void *path)
 {
     CExifReader *reader = new (std::nothrow) CExifReader;
     if (reader == nullptr) return nullptr;
-    CStreamIO *stream = nullptr;
-    if (!CreateFileStream(&stream, path, STREAM_READ)) {
+    CStreamIO *file = nullptr;
+    if (!CreateFileStream(&file, path, STREAM_READ)) {
+        delete reader;
+        return nullptr;
+    }
+    CStreamIO *stream = new (std::nothrow) CCachedFileObj(file);
+    if (stream == nullptr) {
+        DeleteStream(file);
         delete reader;
         return nullptr;
     }
     reader->m_path = path;
     reader->m_stream = stream;
-    reader->m_fileSize = StreamSize(stream);
     unsigned char start[4] = {};
     stream->Read(start, 4);
     stream->Seek(0, 0);

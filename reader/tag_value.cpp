@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "reader/reader.h"
 #include "streams/byte_order.h"
 #include "streams/stream.h"
 
@@ -47,20 +46,20 @@ uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, 
     return ReadU32(value, 0);
 }
 
-int LocateValue(int64_t base, uint32_t offset, int64_t size, int64_t limit, int32_t *position)
+int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, int32_t *position)
 {
-    if (offset > uint32_t(INT32_MAX) || size < 0) return 0;
+    if (offset > uint32_t(INT32_MAX) || size < 0 || size > int64_t(UINT32_MAX)) return 0;
     int64_t start = base + offset;
-    if (start < 0 || start + size > limit || start > INT32_MAX) return 0;
+    if (start < 0 || start > INT32_MAX) return 0;
+    if (size > SMALL_VALUE_SIZE && start + size > StreamSize(stream)) return 0;
     *position = static_cast<int32_t>(start);
     return 1;
 }
 
-uint32_t ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size)
+int ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size)
 {
-    std::memset(buffer, 0, size);
     stream->Seek(0, position);
-    return stream->Read(buffer, size);
+    return stream->Read(buffer, size) == size ? 1 : 0;
 }
 
 int64_t StreamSize(CStreamIO *stream)
@@ -70,9 +69,4 @@ int64_t StreamSize(CStreamIO *stream)
     int32_t size = stream->Tell();
     stream->Seek(0, position);
     return size < 0 ? 0 : size;
-}
-
-int64_t StreamLimit(const CExifReader *reader, CStreamIO *stream)
-{
-    return stream == reader->m_stream ? reader->m_fileSize : StreamSize(stream);
 }

@@ -6,7 +6,6 @@
 #include "load/tiff_types.h"
 
 class CStreamIO;
-struct CExifReader;
 
 // Bytes of one IFD entry and of its count and link fields.
 constexpr uint32_t IFD_ENTRY_SIZE = 12;
@@ -29,18 +28,22 @@ void DecodeValueBytes(unsigned char *bytes, uint32_t size, uint32_t type, int bi
 // the value stands in the entry: what an offset or a length tag means.
 uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, int bigEndian);
 
-// Where an out-of-entry value of size bytes starts: the field as an offset
-// from base. 0 when the offset has its top bit set or the value doesn't lie
-// wholly within a stream of limit bytes.
-int LocateValue(int64_t base, uint32_t offset, int64_t size, int64_t limit, int32_t *position);
+// A value up to this size is allocated and read without asking how long the
+// stream is: a read that comes short tells that it doesn't fit. Asking costs
+// a file two system calls.
+constexpr int64_t SMALL_VALUE_SIZE = 65536;
 
-// Reads size bytes at position into a buffer cleared before, so that what a
-// short read leaves is zero. Returns the bytes that came.
-uint32_t ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size);
+// Where a value of size bytes starts: offset counted from base. 0 when the
+// offset has its top bit set, the start passes 31 bits, or a value larger
+// than SMALL_VALUE_SIZE doesn't lie within the stream.
+int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, int32_t *position);
 
-// Bytes the stream holds; its position is kept.
+// Reads size bytes at position. 1 only when all of them came: a value that
+// the stream's end cuts off is no value.
+int ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size);
+
+// Bytes the stream holds; its position is kept. Every length and offset
+// that a file states is held against it.
 int64_t StreamSize(CStreamIO *stream);
-// The same for a stream a reader scans: its own file was measured at the open.
-int64_t StreamLimit(const CExifReader *reader, CStreamIO *stream);
 
 #endif

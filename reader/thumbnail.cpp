@@ -16,21 +16,17 @@ constexpr uint16_t TAG_THUMB_OFFSET = 513;
 constexpr uint16_t TAG_THUMB_LENGTH = 514;
 
 // Offsets of a JPEG's Exif data count from its TIFF block and stay within the
-// segment's payload; a TIFF file's count from the file's start.
+// segment's payload; a TIFF file's count from the file's start, and an IFD
+// behind its end is found empty.
 int64_t ThumbnailBase(const CExifReader *reader)
 {
     if (reader->m_format != FORMAT_JPEG) return 0;
     return int64_t(reader->m_exifSegment.offset) + EXIF_PREFIX_SIZE;
 }
 
-int64_t OffsetBound(const CExifReader *reader)
-{
-    return reader->m_format == FORMAT_JPEG ? reader->m_exifSegment.size : reader->m_fileSize;
-}
-
 int OffsetInBounds(const CExifReader *reader, int32_t offset)
 {
-    return offset >= 0 && offset <= OffsetBound(reader);
+    return offset >= 0 && (reader->m_format != FORMAT_JPEG || offset <= reader->m_exifSegment.size);
 }
 
 // Passes IFD 0's entries and gives its link, or 0 when there is none.
@@ -45,18 +41,17 @@ int32_t ReadIfd1Offset(CStreamIO *stream, int bigEndian)
 }
 
 // A thumbnail already loaded stays: the pointer handed out for it lives until
-// the reader ends. The bytes have to lie in the file.
+// the reader ends. The bytes have to lie wholly in the file.
 void LoadThumbnail(CExifReader *reader, int32_t offset, uint32_t length)
 {
-    if (reader->m_thumbLoaded) return;
-    int64_t position = ThumbnailBase(reader) + offset;
-    if (position + length > reader->m_fileSize) return;
+    int32_t position;
+    if (reader->m_thumbLoaded || !LocateValue(reader->m_stream, ThumbnailBase(reader), uint32_t(offset), length, &position)) {
+        return;
+    }
     unsigned char *bytes = nullptr;
     if (length > 0) {
         bytes = new (std::nothrow) unsigned char[length];
-        if (bytes == nullptr) return;
-        reader->m_stream->Seek(0, static_cast<int32_t>(position));
-        if (reader->m_stream->Read(bytes, length) < length) {
+        if (bytes == nullptr || !ReadValueAt(reader->m_stream, position, bytes, length)) {
             delete[] bytes;
             return;
         }
@@ -109,7 +104,7 @@ void ScanThumbnailIfd(int bigEndian, CStreamIO *stream, CExifReader *reader, int
     stream->Seek(0, link);
     int32_t count = ReadEntryCount(stream, bigEndian);
     uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 0, StreamLimit(reader, stream), &got);
+    unsigned char *table = ReadIfdTable(stream, count, 0, &got);
     if (table == nullptr) return;
     SearchIfd1(bigEndian, table, got / IFD_ENTRY_SIZE, reader, loadData);
     delete[] table;

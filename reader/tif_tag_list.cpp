@@ -24,29 +24,37 @@ int IsOutsideEntry(const IfdEntry &entry)
     return TiffTypeSize(entry.type) != 0 && !ValueFitsEntry(entry.type, entry.count);
 }
 
-void FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const unsigned char *field,
-                  int32_t position, unsigned char *data)
+// 0 when a value from outside the entry can't be read whole.
+int FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const unsigned char *field,
+                 int32_t position, unsigned char *data)
 {
-    int64_t size = EntryDataSize(entry.type, entry.count);
+    uint32_t size = static_cast<uint32_t>(EntryDataSize(entry.type, entry.count));
     if (IsOutsideEntry(entry)) {
-        uint32_t got = ReadValueAt(stream, position, data, static_cast<uint32_t>(size));
-        DecodeValueBytes(data, got, entry.type, bigEndian);
-        return;
+        if (!ReadValueAt(stream, position, data, size)) return 0;
+        DecodeValueBytes(data, size, entry.type, bigEndian);
+        return 1;
     }
     unsigned char value[4];
     DecodeInlineValue(field, entry.type, bigEndian, value);
-    std::memcpy(data, value, static_cast<size_t>(size));
+    std::memcpy(data, value, size);
+    return 1;
 }
 
-// A type outside 1 to 12 gets no data. A value that doesn't lie within the
-// stream leaves its entry out of the list, rather than hand on a buffer that
-// the file never filled.
-ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, int64_t limit, const unsigned char *p)
+void FreeItem(TifTagItem *item)
+{
+    std::free(item->data);
+    std::free(item);
+}
+
+// A type outside 1 to 12 gets no data. A value that doesn't lie wholly within
+// the stream leaves its entry out of the list, rather than hand on a buffer
+// that the file never filled.
+ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, const unsigned char *p)
 {
     IfdEntry entry = DecodeEntry(p, bigEndian);
     int32_t position = 0;
     if (IsOutsideEntry(entry) &&
-        !LocateValue(0, entry.value, EntryDataSize(entry.type, entry.count), limit, &position)) {
+        !LocateValue(stream, 0, entry.value, EntryDataSize(entry.type, entry.count), &position)) {
         return ITEM_LEFT_OUT;
     }
     TifTagItem *item = AllocTifTagItem(0);
@@ -58,10 +66,13 @@ ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, int6
     if (size > 0) {
         item->data = std::calloc(static_cast<size_t>(size), 1);
         if (item->data == nullptr) {
-            std::free(item);
+            FreeItem(item);
             return ITEM_NO_MEMORY;
         }
-        FillItemData(bigEndian, stream, entry, EntryField(p), position, static_cast<unsigned char *>(item->data));
+        if (!FillItemData(bigEndian, stream, entry, EntryField(p), position, static_cast<unsigned char *>(item->data))) {
+            FreeItem(item);
+            return ITEM_LEFT_OUT;
+        }
     }
     AddTifTagItem(list, item);
     return ITEM_ADDED;
@@ -69,13 +80,13 @@ ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, int6
 
 // A list that lost an item to memory would carry a file's Exif over in part;
 // it is dropped whole instead.
-TifTagList *BuildList(int bigEndian, CStreamIO *stream, int64_t limit, const unsigned char *table, int32_t count)
+TifTagList *BuildList(int bigEndian, CStreamIO *stream, const unsigned char *table, int32_t count)
 {
     TifTagList *list = AllocTifTagList(count);
     if (list == nullptr) return nullptr;
     for (int32_t i = 0; i < count; i++) {
         const unsigned char *p = table + static_cast<uint32_t>(i) * IFD_ENTRY_SIZE;
-        if (AddEntryItem(list, bigEndian, stream, limit, p) == ITEM_NO_MEMORY) {
+        if (AddEntryItem(list, bigEndian, stream, p) == ITEM_NO_MEMORY) {
             FreeTifTagList(list);
             return nullptr;
         }
@@ -89,15 +100,14 @@ TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream)
 {
     int32_t count = ReadEntryCount(stream, bigEndian);
     if (count < 1) return nullptr;
-    int64_t limit = StreamSize(stream);
     uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 0, limit, &got);
+    unsigned char *table = ReadIfdTable(stream, count, 0, &got);
     if (table == nullptr || got < static_cast<uint32_t>(count) * IFD_ENTRY_SIZE) {
         delete[] table;
         return nullptr;
     }
     int32_t linkPosition = stream->Tell();
-    TifTagList *list = BuildList(bigEndian, stream, limit, table, count);
+    TifTagList *list = BuildList(bigEndian, stream, table, count);
     stream->Seek(0, linkPosition);
     delete[] table;
     return list;

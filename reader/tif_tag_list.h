@@ -12,8 +12,8 @@ class CStreamIO;
 
 // The IFD at the stream's position as a list, value offsets being plain
 // positions in the stream. Null when the IFD has no entries, its table can't
-// be read, or no memory. An entry whose value can't lie in the stream is left
-// out; a value cut by the stream's end has zeros where no bytes came.
+// be read, or no memory. An entry whose value doesn't lie wholly in the
+// stream is left out.
 TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream);
 
 // A list with count 0 and room for capacity items; null if no memory.

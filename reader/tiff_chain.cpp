@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "reader/cached_file.h"
 #include "reader/ifd_scan.h"
 #include "reader/reader.h"
 #include "streams/byte_order.h"
@@ -71,11 +72,18 @@ void ScanTiffChain(CStreamIO *stream, CExifReader *reader)
     }
 }
 
+// A block in the head of the file is looked at where it lies; the memory
+// stream only reads it.
 int LoadExifBlock(CExifReader *reader, ExifBlock *block)
 {
     int32_t size = reader->m_exifSegment.size - EXIF_PREFIX_SIZE;
     if (size < 1) return 0;
-    reader->m_stream->Seek(0, reader->m_exifSegment.offset + EXIF_PREFIX_SIZE);
+    int32_t start = reader->m_exifSegment.offset + EXIF_PREFIX_SIZE;
+    CCachedFileObj *file = dynamic_cast<CCachedFileObj *>(reader->m_stream);
+    unsigned char *head = nullptr;
+    uint32_t inHead = file != nullptr ? file->HeadView(start, static_cast<uint32_t>(size), &head) : 0;
+    if (inHead > 0) return CreateMemoryStream(&block->m_stream, head, static_cast<int32_t>(inHead));
+    reader->m_stream->Seek(0, start);
     unsigned char *data = new (std::nothrow) unsigned char[static_cast<uint32_t>(size)];
     if (data == nullptr) return 0;
     uint32_t got = reader->m_stream->Read(data, static_cast<uint32_t>(size));

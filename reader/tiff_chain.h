@@ -11,6 +11,8 @@ struct CExifReader;
 constexpr int MAX_CHAIN_IFDS = 1024;
 
 // The TIFF block of the Exif segment in memory, for the length of one call.
+// m_data is the copy the block was read into, null when the stream looks at
+// the reader's head of the file.
 struct ExifBlock {
     CStreamIO *m_stream = nullptr;
     unsigned char *m_data = nullptr;
