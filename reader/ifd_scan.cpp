@@ -61,10 +61,11 @@ void GetValue(const IfdScan &scan, const IfdEntry &entry, const unsigned char *f
     }
 }
 
-int StoreValue(CExifReader *reader, const IfdEntry &entry, const EntryValue &value)
+// An absent value leaves the slot as it was. So does a copy that can't be
+// allocated: the slot never holds a pointer it released.
+void StoreValue(CExifReader *reader, const IfdEntry &entry, const EntryValue &value)
 {
-    if (!value.m_present) return 0;
-    return StoreTagSlot(reader, entry.tag, entry.type, value.m_data, entry.count, value.m_size);
+    if (value.m_present) StoreTagSlot(reader, entry.tag, entry.type, value.m_data, entry.count, value.m_size);
 }
 
 // A wanted scan reads no value of the five from outside the entry; such a

@@ -45,9 +45,8 @@ int32_t ReadIfd1Offset(CStreamIO *stream, int bigEndian)
 void LoadThumbnail(CExifReader *reader, int32_t offset, uint32_t length)
 {
     int32_t position;
-    if (reader->m_thumbLoaded || !LocateValue(reader->m_stream, ThumbnailBase(reader), uint32_t(offset), length, &position)) {
-        return;
-    }
+    if (reader->m_thumbLoaded) return;
+    if (!LocateValue(reader->m_stream, ThumbnailBase(reader), static_cast<uint32_t>(offset), length, &position)) return;
     unsigned char *bytes = nullptr;
     if (length > 0) {
         bytes = new (std::nothrow) unsigned char[length];

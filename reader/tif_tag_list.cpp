@@ -69,7 +69,8 @@ ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, cons
             FreeItem(item);
             return ITEM_NO_MEMORY;
         }
-        if (!FillItemData(bigEndian, stream, entry, EntryField(p), position, static_cast<unsigned char *>(item->data))) {
+        unsigned char *data = static_cast<unsigned char *>(item->data);
+        if (!FillItemData(bigEndian, stream, entry, EntryField(p), position, data)) {
             FreeItem(item);
             return ITEM_LEFT_OUT;
         }

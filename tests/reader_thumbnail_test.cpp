@@ -20,7 +20,7 @@ struct Kind {
 // IFD 0 with Make, IFD 1 locating a thumbnail placed behind the IFDs, with
 // 513 and 514 as LONG or SHORT.
 struct ThumbFile {
-    explicit ThumbFile(const Kind &kind, size_t thumbSize = 300) : thumb(ThumbnailJpeg(thumbSize)), layout(kind.bigEndian)
+    explicit ThumbFile(const Kind &kind) : thumb(ThumbnailJpeg(300)), layout(kind.bigEndian)
     {
         LayoutEntry offset = OffsetOf(513, layout.AddBlob(thumb));
         LayoutEntry length = Long(514, uint32_t(thumb.size()));
