@@ -4,6 +4,7 @@
 #include <cstdint>
 
 class CStreamIO;
+struct ExifTagValue;
 
 // Structural ids share one number space with JPEG marker codes and TIFF tag
 // numbers; only a node's position tells them apart.
@@ -74,6 +75,11 @@ public:
     // gives null. A type outside 1 to 12 leaves *data untouched. Returns 0
     // only when the copy can't be allocated, leaving *data untouched.
     int CopyValue(void **data);
+    // Takes a caller's value with its type and count. A value that fits the
+    // entry goes into m_value and leaves the block alone, any other replaces
+    // the block. Returns 1, or 0 with the tag unchanged when the block can't
+    // be made or value->data is null for a value that has bytes.
+    int SetValue(const ExifTagValue *value);
 
     uint32_t m_type = 0;
     int32_t m_count = 0;

@@ -1,0 +1,19 @@
+#ifndef ZEXIF_EDIT_TAG_INSERT_H
+#define ZEXIF_EDIT_TAG_INSERT_H
+
+#include <cstdint>
+
+#include "zexif.h"
+
+struct CExifDoc;
+
+// Set a caller's tag: a tag that is found takes the new value in place, a
+// missing one goes in at its sorted place with whatever structure it needs.
+// The Exif variants are for the tags of the Exif IFD. 0, or -1 with the tree
+// unchanged.
+int SetTiffTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int ifd);
+int SetTiffExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value);
+int SetJpegTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int ifd);
+int SetJpegExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value);
+
+#endif

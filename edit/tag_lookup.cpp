@@ -1,0 +1,45 @@
+#include "edit/tag_lookup.h"
+
+#include "edit/exif_ifd_tags.h"
+#include "edit/ifd_chain.h"
+#include "load/tiff_types.h"
+#include "tree/document.h"
+
+int64_t ValueDataSize(const ExifTagValue &value)
+{
+    return EntryDataSize(value.type, value.count);
+}
+
+// The walk of FindNode, with the match limited to entries.
+CTag *FindEntry(CNode *start, uint32_t number)
+{
+    if (start == nullptr) return nullptr;
+    const int32_t id = static_cast<int32_t>(number);
+    CNode *const bound = start->m_parent;
+    CNode *node = start;
+    for (;;) {
+        if (node->m_id == id && AsEntry(node) != nullptr) return AsEntry(node);
+        if (node->m_child != nullptr) {
+            node = node->m_child;
+            continue;
+        }
+        while (node->m_next == nullptr) {
+            node = node->m_parent;
+            if (node == bound || node == nullptr) return nullptr;
+        }
+        node = node->m_next;
+    }
+}
+
+CTag *FindExifEntry(CExifDoc *doc, uint32_t number)
+{
+    CTag *found = doc->FindExifTag(number);
+    if (found != nullptr || doc->m_exifIfdTag == nullptr) return found;
+    return FindEntry(doc->m_exifIfdTag, number);
+}
+
+CTag *FindTagFor(CExifDoc *doc, uint32_t number, int ifd)
+{
+    if (IsExifIfdTag(number)) return FindExifEntry(doc, number);
+    return FindEntry(doc->FindIfd(static_cast<uint32_t>(ifd)), number);
+}

@@ -1,0 +1,179 @@
+#include "support/tree_builder.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "load/tiff_types.h"
+
+namespace {
+
+CNode *Plain(int32_t id, int32_t kind, uint32_t value)
+{
+    CNode *node = new CNode;
+    node->m_id = id;
+    node->m_kind = kind;
+    node->m_value = value;
+    return node;
+}
+
+CTag *MakeTag(const EntrySpec &spec)
+{
+    CTag *tag = new CTag;
+    tag->m_id = spec.tag;
+    tag->m_type = spec.type;
+    tag->m_count = int32_t(spec.count);
+    if (ValueFitsEntry(spec.type, spec.count) || TiffTypeSize(spec.type) == 0) {
+        std::memcpy(&tag->m_value, spec.bytes.data(), std::min<size_t>(spec.bytes.size(), 4));
+    } else if (!spec.bytes.empty()) {
+        tag->SetData(spec.bytes.data(), int32_t(spec.bytes.size()));
+    }
+    return tag;
+}
+
+void Register(CExifDoc &doc, CTag *tag)
+{
+    if (tag->m_id == 34665) {
+        doc.m_exifIfdTag = tag;
+        doc.m_hasExif = 1;
+    }
+    if (tag->m_id == 513) {
+        doc.m_thumbTag = tag;
+        doc.m_hasThumb = 1;
+        doc.m_thumbType |= 0x800;
+    }
+}
+
+template <typename T>
+std::vector<uint8_t> BytesOf(const T &value)
+{
+    std::vector<uint8_t> bytes(sizeof(T));
+    std::memcpy(bytes.data(), &value, sizeof(T));
+    return bytes;
+}
+
+}  // namespace
+
+EntrySpec Short(int32_t tag, uint16_t value)
+{
+    return {tag, TIFF_SHORT, 1, BytesOf(value), {}};
+}
+
+EntrySpec Long(int32_t tag, uint32_t value)
+{
+    return {tag, TIFF_LONG, 1, BytesOf(value), {}};
+}
+
+EntrySpec Ascii(int32_t tag, const std::string &text)
+{
+    std::vector<uint8_t> bytes(text.begin(), text.end());
+    bytes.push_back(0);
+    return {tag, TIFF_ASCII, uint32_t(bytes.size()), bytes, {}};
+}
+
+EntrySpec Rational(int32_t tag, uint32_t numerator, uint32_t denominator)
+{
+    uint32_t halves[2] = {numerator, denominator};
+    return {tag, TIFF_RATIONAL, 1, BytesOf(halves), {}};
+}
+
+EntrySpec Bytes(int32_t tag, uint32_t type, const std::vector<uint8_t> &bytes)
+{
+    int size = TiffTypeSize(type);
+    return {tag, type, uint32_t(bytes.size() / (size == 0 ? 1 : size)), bytes, {}};
+}
+
+EntrySpec Pointer(int32_t tag, const IfdSpec &sub)
+{
+    EntrySpec spec = Long(tag, 0);
+    spec.sub = sub;
+    return spec;
+}
+
+ExifTagValue ValueOf(const EntrySpec &spec)
+{
+    return {spec.type, spec.count, const_cast<uint8_t *>(spec.bytes.data())};
+}
+
+TreeBuilder::TreeBuilder(int32_t format) : m_doc(std::make_unique<CExifDoc>())
+{
+    m_doc->m_format = format;
+}
+
+TreeBuilder &TreeBuilder::Marker(int32_t code, const std::string &signature)
+{
+    CMarker *marker = new CMarker(code, int32_t(signature.size()), 0);
+    if (code >= 0xE0 && code <= 0xEF) {
+        marker->m_sig = static_cast<char *>(std::calloc(8, 1));
+        std::memcpy(marker->m_sig, signature.data(), std::min<size_t>(signature.size(), 4));
+    }
+    if (m_doc->m_root == nullptr) {
+        m_doc->AddChild(marker);
+    } else {
+        m_doc->AddSibling(marker);
+    }
+    return *this;
+}
+
+TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdSpec> &ifds)
+{
+    Marker(0xE1, "Exif");
+    CNode *marker = m_doc->m_cur;
+    m_doc->m_exifMarker = static_cast<CMarker *>(marker);
+    m_doc->AddChild(Plain(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
+    AddIfds(ifds);
+    m_doc->MoveTo(marker);
+    return *this;
+}
+
+TreeBuilder &TreeBuilder::TiffBlock(const std::vector<IfdSpec> &ifds)
+{
+    m_doc->AddChild(Plain(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
+    AddIfds(ifds);
+    return *this;
+}
+
+std::unique_ptr<CExifDoc> TreeBuilder::Take()
+{
+    return std::move(m_doc);
+}
+
+void TreeBuilder::AddIfds(const std::vector<IfdSpec> &ifds)
+{
+    uint32_t index = 0;
+    for (const IfdSpec &entries : ifds) {
+        CNode *ifd = Plain(NODE_IFD, KIND_PLAIN, index++);
+        ifd->m_hasChild = 1;
+        m_doc->AddSibling(ifd);
+        AddEntries(entries);
+        m_doc->MoveTo(ifd);
+    }
+}
+
+// Leaves the cursor on the chain's link.
+void TreeBuilder::AddEntries(const IfdSpec &entries)
+{
+    m_doc->AddChild(Plain(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, uint32_t(entries.size())));
+    for (const EntrySpec &spec : entries) {
+        CTag *tag = MakeTag(spec);
+        m_doc->AddSibling(tag);
+        Register(*m_doc, tag);
+        if (spec.sub.empty()) continue;
+        AddEntries(spec.sub);
+        m_doc->MoveTo(tag);
+    }
+    m_doc->AddSibling(Plain(NODE_NEXT_IFD, KIND_PLAIN, 0));
+}
+
+std::unique_ptr<CExifDoc> JpegDoc(const std::vector<IfdSpec> &ifds)
+{
+    TreeBuilder builder(FORMAT_JPEG);
+    builder.Marker(0xD8).Marker(0xE0, "JFIF");
+    if (!ifds.empty()) builder.ExifApp1(ifds);
+    builder.Marker(0xDB).Marker(0xDA).Marker(MARKER_SCAN_DATA).Marker(0xD9);
+    return builder.Take();
+}
+
+std::unique_ptr<CExifDoc> TiffDoc(const std::vector<IfdSpec> &ifds)
+{
+    return TreeBuilder(FORMAT_TIFF).TiffBlock(ifds).Take();
+}

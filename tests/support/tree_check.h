@@ -1,0 +1,20 @@
+#ifndef ZEXIF_TESTS_TREE_CHECK_H
+#define ZEXIF_TESTS_TREE_CHECK_H
+
+#include <string>
+
+#include "tree/document.h"
+
+// What is wrong with a document's tree, or "" when nothing is:
+// - every IFD and sub-IFD chain begins with an entry count that equals the
+//   number of CTags in the chain;
+// - every node's m_parent is the node whose chain holds it;
+// - m_exifMarker, m_exifIfdTag and m_thumbTag are null or nodes of the tree;
+// - with sorted, the CTags of every chain stand in ascending order.
+std::string TreeFaults(const CExifDoc &doc, bool sorted);
+
+// The whole tree as text, each tag with its type, count, m_value and m_size:
+// two dumps differ when a call changed the tree.
+std::string TreeDump(const CExifDoc &doc);
+
+#endif
