@@ -24,6 +24,11 @@ public:
     int OnIfdEnd();
 
     CExifDoc *m_doc;
+    // Bytes of the stream the TIFF block is read from, counted from its start.
+    int64_t m_streamSize = 0;
+    // What tag values may still allocate in this parse; -1 until the first
+    // TIFF block sets it from the size of its stream.
+    int64_t m_valueBudget = -1;
 };
 
 #endif

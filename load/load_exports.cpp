@@ -1,0 +1,79 @@
+#include <new>
+
+#include "load/doc_builder.h"
+#include "load/jpeg_parser.h"
+#include "load/tiff_parser.h"
+#include "streams/stream.h"
+#include "streams/stream_size.h"
+#include "tree/document.h"
+#include "zexif.h"
+
+namespace {
+
+int IsJpeg(const unsigned char *head)
+{
+    return head[0] == 0xFF && head[1] == 0xD8;
+}
+
+int IsTiff(const unsigned char *head)
+{
+    return (head[0] == 'I' && head[1] == 'I') || (head[0] == 'M' && head[1] == 'M');
+}
+
+// Offsets in the tree are 32-bit; a larger file can't be described by it.
+int ParseDocument(CExifDoc *doc)
+{
+    CStreamIO *stream = doc->m_stream;
+    unsigned char head[4] = {};
+    stream->Seek(0, 0);
+    uint32_t got = stream->Read(head, 4);
+    stream->Seek(0, 0);
+    if (got < 2 || StreamSize(stream) >= INT32_MAX) return 0;
+    CDocBuilder builder(doc);
+    if (IsJpeg(head)) {
+        doc->m_format = FORMAT_JPEG;
+        return ParseJpeg(stream, &builder);
+    }
+    if (IsTiff(head)) {
+        doc->m_format = FORMAT_TIFF;
+        return ParseTiff(stream, &builder);
+    }
+    return 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+CExifDoc *zExifLoadFile(const void *path)
+{
+    CExifDoc *doc = new (std::nothrow) CExifDoc;
+    if (doc == nullptr) return nullptr;
+    if (!CreateFileStream(&doc->m_stream, path, STREAM_READ)) {
+        delete doc;
+        return nullptr;
+    }
+    doc->m_path = path;
+    if (!ParseDocument(doc)) {
+        delete doc;
+        return nullptr;
+    }
+    return doc;
+}
+
+void zExifDestroy(CExifDoc *doc)
+{
+    delete doc;
+}
+
+int zExifGetFileFormat(CExifDoc *doc)
+{
+    return doc->m_format;
+}
+
+int zExifIsExifExist(CExifDoc *doc)
+{
+    return doc == nullptr ? 0 : doc->m_hasExif;
+}
+
+}
