@@ -62,7 +62,8 @@ struct TiffShape : ::testing::Test {
 TEST_F(TiffShape, FindNodeWalksSubtreeThenLaterSiblingsInFileOrder)
 {
     EXPECT_EQ(ifd0, FindNode(ifd0, NODE_IFD));
-    EXPECT_EQ(gpsTag3, AsTag(FindNode(gpsPointer->m_child, 3)));
+    EXPECT_EQ(gpsPointer->m_child, FindNode(gpsPointer->m_child, 3));
+    EXPECT_EQ(gpsTag3, AsTag(FindNode(gpsPointer->m_child->m_next, 3)));
     EXPECT_EQ(NODE_ENTRY_COUNT, FindNode(ifd0, 3)->m_id);
     EXPECT_EQ(nullptr, AsTag(FindNode(ifd0, 3)));
     EXPECT_EQ(513, FindNode(ifd0, 513)->m_id);
