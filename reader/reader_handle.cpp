@@ -34,6 +34,16 @@ void ReleaseReader(CExifReader *reader)
     delete reader;
 }
 
+// The file, read through a cache of its head; null when it can't be opened.
+CStreamIO *OpenReaderFile(const void *path)
+{
+    CStreamIO *file = nullptr;
+    if (!CreateFileStream(&file, path, STREAM_READ)) return nullptr;
+    CStreamIO *cached = new (std::nothrow) CCachedFileObj(file);
+    if (cached == nullptr) DeleteStream(file);
+    return cached;
+}
+
 }  // namespace
 
 // The FPXR table is left uncleared by the allocation: a reader costs no more
@@ -42,14 +52,8 @@ CExifReader *zRExifBeginRead(const void *path)
 {
     CExifReader *reader = new (std::nothrow) CExifReader;
     if (reader == nullptr) return nullptr;
-    CStreamIO *file = nullptr;
-    if (!CreateFileStream(&file, path, STREAM_READ)) {
-        delete reader;
-        return nullptr;
-    }
-    CStreamIO *stream = new (std::nothrow) CCachedFileObj(file);
+    CStreamIO *stream = OpenReaderFile(path);
     if (stream == nullptr) {
-        DeleteStream(file);
         delete reader;
         return nullptr;
     }
