@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr int kShortcuts = 4;
+
 bool IsTag(const CNode *node)
 {
     return dynamic_cast<const CTag *>(node) != nullptr;
@@ -35,12 +37,12 @@ void CheckChain(const CNode *owner, bool sorted, std::string &faults)
     }
 }
 
-void Walk(const CNode *first, const CNode *parent, bool sorted, std::string &faults, const void *wanted[3],
-          bool found[3])
+void Walk(const CNode *first, const CNode *parent, bool sorted, std::string &faults, const void *const *wanted,
+          bool *found)
 {
     for (const CNode *node = first; node != nullptr; node = node->m_next) {
         if (node->m_parent != parent) faults += "wrong parent of " + std::to_string(node->m_id) + "; ";
-        for (int i = 0; i < 3; i++) {
+        for (int i = 0; i < kShortcuts; i++) {
             if (wanted[i] == node) found[i] = true;
         }
         if (OwnsChain(node)) CheckChain(node, sorted, faults);
@@ -72,11 +74,11 @@ void DumpChain(const CNode *first, std::string &out)
 std::string TreeFaults(const CExifDoc &doc, bool sorted)
 {
     std::string faults;
-    const void *wanted[3] = {doc.m_exifMarker, doc.m_exifIfdTag, doc.m_thumbTag};
-    bool found[3] = {false, false, false};
+    const void *wanted[kShortcuts] = {doc.m_exifMarker, doc.m_exifIfdTag, doc.m_thumbTag, doc.m_cur};
+    bool found[kShortcuts] = {false, false, false, false};
     Walk(doc.m_root, nullptr, sorted, faults, wanted, found);
-    const char *names[3] = {"m_exifMarker", "m_exifIfdTag", "m_thumbTag"};
-    for (int i = 0; i < 3; i++) {
+    const char *names[kShortcuts] = {"m_exifMarker", "m_exifIfdTag", "m_thumbTag", "m_cur"};
+    for (int i = 0; i < kShortcuts; i++) {
         if (wanted[i] != nullptr && !found[i]) faults += std::string(names[i]) + " outside the tree; ";
     }
     return faults;

@@ -9,7 +9,8 @@
 // - every IFD and sub-IFD chain begins with an entry count that equals the
 //   number of CTags in the chain;
 // - every node's m_parent is the node whose chain holds it;
-// - m_exifMarker, m_exifIfdTag and m_thumbTag are null or nodes of the tree;
+// - m_exifMarker, m_exifIfdTag, m_thumbTag and the cursor are null or nodes
+//   of the tree;
 // - with sorted, the CTags of every chain stand in ascending order.
 std::string TreeFaults(const CExifDoc &doc, bool sorted);
 
