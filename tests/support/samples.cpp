@@ -1,6 +1,7 @@
 #include "support/samples.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -55,4 +56,13 @@ std::vector<std::string> AllSamples()
 std::string Sample(const std::string &relative)
 {
     return SamplesDir() + "/" + relative;
+}
+
+std::string SampleTestName(const std::string &path)
+{
+    std::string name = fs::path(path).stem().string();
+    for (char &c : name) {
+        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+    }
+    return name;
 }
