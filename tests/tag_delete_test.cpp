@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 
-#include "support/thumb_tree.h"
 #include "support/tree_builder.h"
 #include "support/tree_check.h"
 #include "tree/walk.h"
@@ -36,7 +35,7 @@ TEST(DeleteCascade, LastExifTagTakesTheWholeApp1)
 {
     auto doc = JpegDoc({{Pointer(34665, {Ascii(36867, "2020:01:02 03:04:05")})}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 36867, 5));
-    EXPECT_EQ(JpegShape(""), TreeShape(*doc));
+    EXPECT_EQ(JpegShape(""), Outline(*doc));
     EXPECT_EQ(nullptr, doc->m_exifMarker);
     EXPECT_EQ(nullptr, doc->m_exifIfdTag);
     EXPECT_EQ(1, zExifIsExifExist(doc.get()));
@@ -47,7 +46,7 @@ TEST(DeleteCascade, AnIfd1KeepsTheApp1)
 {
     auto doc = JpegDoc({{Pointer(34665, {Ascii(36867, "x")})}, {Short(259, 6)}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 36867, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:1[3:1 259 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:1[3:1 259 60]]"), Outline(*doc));
     EXPECT_NE(nullptr, doc->m_exifMarker);
     EXPECT_EQ(nullptr, doc->m_exifIfdTag);
     EXPECT_EQ(0, Has(doc.get(), 259, 1));
@@ -58,7 +57,7 @@ TEST(DeleteCascade, OtherIfd0EntriesKeepIfd0)
 {
     auto doc = JpegDoc({{Ascii(271, "Cam"), Pointer(34665, {Ascii(36867, "x")})}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 36867, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), Outline(*doc));
     EXPECT_EQ(1, zExifIsExifExist(doc.get()));
     ExpectSound(*doc);
 }
@@ -74,7 +73,7 @@ TEST(DeleteCascade, DeletedExifTagsDontComeBack)
     EntrySpec date = Ascii(36868, "2021:01:01 00:00:00");
     ExifTagValue value = ValueOf(date);
     ASSERT_EQ(0, zExifSetTag(doc.get(), 36868, &value, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 271 34665[3:1 36868 60] 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 271 34665[3:1 36868 60] 60]]"), Outline(*doc));
     EXPECT_EQ(0, Has(doc.get(), 36868, 0));
     EXPECT_EQ(-1, Has(doc.get(), 36867, 0));
     ExpectSound(*doc);
@@ -85,11 +84,11 @@ TEST(DeleteCascade, EmptiedIfdGoesButNotTheApp1)
 {
     auto doc = JpegDoc({{Ascii(271, "Cam")}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 271, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1]"), Outline(*doc));
     EntrySpec model = Ascii(272, "M");
     ExifTagValue value = ValueOf(model);
     ASSERT_EQ(0, zExifSetTag(doc.get(), 272, &value, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 272 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 272 60]]"), Outline(*doc));
     ExpectSound(*doc);
 }
 
@@ -97,7 +96,7 @@ TEST(DeleteCascade, TiffKeepsItsOnlyIfdForTheExifCascade)
 {
     auto doc = TiffDoc({{Pointer(34665, {Rational(33434, 1, 60)})}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 33434, 0));
-    EXPECT_EQ("1 2:0[3:0 60]", TreeShape(*doc));
+    EXPECT_EQ("1 2:0[3:0 60]", Outline(*doc));
     EXPECT_EQ(nullptr, doc->m_exifIfdTag);
     ExpectSound(*doc);
 }
@@ -106,9 +105,9 @@ TEST(DeleteCascade, TiffLosesAnIfdEmptiedByOtherTags)
 {
     auto doc = TiffDoc({{Short(256, 8)}, {Short(256, 4)}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 256, 1));
-    EXPECT_EQ("1 2:0[3:1 256 60]", TreeShape(*doc));
+    EXPECT_EQ("1 2:0[3:1 256 60]", Outline(*doc));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 256, 0));
-    EXPECT_EQ("1", TreeShape(*doc));
+    EXPECT_EQ("1", Outline(*doc));
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 256, 0));
 }
 
@@ -118,7 +117,7 @@ TEST(DeleteCascade, EmptiedGpsIfdTakesItsPointer)
 {
     auto doc = JpegDoc({{Ascii(271, "Cam"), Pointer(34853, {Ascii(1, "N")})}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 1, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), Outline(*doc));
     ExpectSound(*doc);
 }
 
@@ -130,7 +129,7 @@ TEST(DeleteCounts, FallInTheChainThatHeldTheTag)
     ASSERT_EQ(0, zExifDelTag(doc.get(), 41728, 1));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 305, 0));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 37383, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]"), Outline(*doc));
     ExpectSound(*doc);
 }
 
@@ -139,17 +138,17 @@ TEST(DeleteCounts, FallInTheChainThatHeldTheTag)
 TEST(DeleteStructural, RemovesRealTagsOnly)
 {
     auto doc = JpegDoc({{Short(256, 1), Pointer(34853, {Ascii(1, "N"), Rational(2, 4, 1), Ascii(3, "E")})}});
-    std::string before = TreeShape(*doc);
+    std::string before = Outline(*doc);
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 60, 0));
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 1, 1));
-    EXPECT_EQ(before, TreeShape(*doc));
+    EXPECT_EQ(before, Outline(*doc));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 3, 0));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 2, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 256 34853[3:1 1 60] 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 256 34853[3:1 1 60] 60]]"), Outline(*doc));
     ASSERT_EQ(0, zExifDelTag(doc.get(), 1, 0));
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 3, 0));
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 2, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 256 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 256 60]]"), Outline(*doc));
     ExpectSound(*doc);
 }
 
@@ -160,7 +159,7 @@ TEST(DeleteStructural, RealTagsSixtyAndSeventy)
         ASSERT_EQ(0, zExifDelTag(doc.get(), number, 0)) << number;
         EXPECT_EQ(-1, Has(doc.get(), number, 0)) << number;
     }
-    EXPECT_EQ("1 2:0[3:1 59 60]", TreeShape(*doc));
+    EXPECT_EQ("1 2:0[3:1 59 60]", Outline(*doc));
 }
 
 TEST(DeleteShortcuts, ThumbnailTagTakesTheThumbnailFlags)
@@ -184,7 +183,7 @@ TEST(DeleteShortcuts, ClearedWhenAnAncestorGoes)
     auto doc = JpegDoc({{Pointer(34665, {Long(513, 0)})}});
     doc->m_cur = doc->m_thumbTag;
     ASSERT_EQ(0, zExifDelTag(doc.get(), 513, 0));
-    EXPECT_EQ(JpegShape(""), TreeShape(*doc));
+    EXPECT_EQ(JpegShape(""), Outline(*doc));
     EXPECT_EQ(nullptr, doc->m_thumbTag);
     EXPECT_EQ(nullptr, doc->m_exifIfdTag);
     EXPECT_EQ(nullptr, doc->m_exifMarker);
@@ -198,7 +197,7 @@ TEST(DeleteShortcuts, ExifPointerByNumberTakesItsIfd)
     ASSERT_EQ(0, zExifDelTag(doc.get(), 34665, 0));
     EXPECT_EQ(nullptr, doc->m_exifIfdTag);
     EXPECT_EQ(-1, Has(doc.get(), 36867, 0));
-    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), TreeShape(*doc));
+    EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 271 60]]"), Outline(*doc));
     ExpectSound(*doc);
 }
 

@@ -50,6 +50,22 @@ void Walk(const CNode *first, const CNode *parent, bool sorted, std::string &fau
     }
 }
 
+void OutlineChain(const CNode *first, std::string &out)
+{
+    for (const CNode *node = first; node != nullptr; node = node->m_next) {
+        if (node != first) out += ' ';
+        out += std::to_string(node->m_id);
+        bool structural = !IsTag(node) && (node->m_id == NODE_IFD || node->m_id == NODE_ENTRY_COUNT);
+        if (structural) out += ":" + std::to_string(node->m_value);
+        if (node->m_parent == nullptr && node->m_sig != nullptr) out += "'" + std::string(node->m_sig) + "'";
+        if (node->m_child != nullptr) {
+            out += '[';
+            OutlineChain(node->m_child, out);
+            out += ']';
+        }
+    }
+}
+
 void DumpChain(const CNode *first, std::string &out)
 {
     for (const CNode *node = first; node != nullptr; node = node->m_next) {
@@ -82,6 +98,20 @@ std::string TreeFaults(const CExifDoc &doc, bool sorted)
         if (wanted[i] != nullptr && !found[i]) faults += std::string(names[i]) + " outside the tree; ";
     }
     return faults;
+}
+
+std::string Outline(const CExifDoc &doc)
+{
+    std::string out;
+    OutlineChain(doc.m_root, out);
+    return out;
+}
+
+std::string ChainOutline(const CNode *owner)
+{
+    std::string out;
+    OutlineChain(owner->m_child, out);
+    return out;
 }
 
 std::string TreeDump(const CExifDoc &doc)
