@@ -1,0 +1,13 @@
+#ifndef ZEXIF_TOOL_LOAD_DOCUMENT_H
+#define ZEXIF_TOOL_LOAD_DOCUMENT_H
+
+#include <string>
+
+struct CExifDoc;
+
+// Loads a file for a command. When it can't, says why on one line of stderr
+// and returns null; the library itself gives no reason, so a file that opens
+// but doesn't load is called not an image or damaged.
+CExifDoc *LoadDocument(const std::string &path);
+
+#endif

@@ -1,0 +1,60 @@
+// zexif: shows and edits the metadata of JPEG and TIFF files with zExifLib.
+// Each command is a file of its own and a row in the table below.
+#include <cstdio>
+#include <cstring>
+
+#include "tools/zexif/command.h"
+
+namespace {
+
+const Command COMMANDS[] = {
+    {"dump", "FILE", "print the format, the JPEG markers and every IFD with its tags", 1, 1, RunDump},
+};
+
+void PrintHelp(FILE *out)
+{
+    std::fprintf(out, "usage: zexif [COMMAND ARGUMENTS]\n");
+    std::fprintf(out, "Without arguments, dumps the sample image built with the tool.\n");
+    for (const Command &command : COMMANDS) {
+        std::fprintf(out, "  %s %-12s %s\n", command.name, command.arguments, command.summary);
+    }
+}
+
+const Command *FindCommand(const char *name)
+{
+    for (const Command &command : COMMANDS) {
+        if (std::strcmp(command.name, name) == 0) return &command;
+    }
+    return nullptr;
+}
+
+int RunCommand(const Command &command, const std::vector<std::string> &arguments)
+{
+    if (arguments.size() < command.minArguments || arguments.size() > command.maxArguments) {
+        std::fprintf(stderr, "usage: zexif %s %s\n", command.name, command.arguments);
+        return EXIT_USAGE;
+    }
+    return command.run(arguments);
+}
+
+bool IsHelp(const char *argument)
+{
+    return std::strcmp(argument, "-h") == 0 || std::strcmp(argument, "--help") == 0;
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc < 2) return RunDump({ZEXIF_SAMPLE_JPEG});
+    if (IsHelp(argv[1])) {
+        PrintHelp(stdout);
+        return EXIT_OK;
+    }
+    const Command *command = FindCommand(argv[1]);
+    if (command == nullptr) {
+        std::fprintf(stderr, "zexif: unknown command '%s'; usage: zexif [COMMAND ARGUMENTS], see zexif --help\n", argv[1]);
+        return EXIT_USAGE;
+    }
+    return RunCommand(*command, std::vector<std::string>(argv + 2, argv + argc));
+}

@@ -1,0 +1,14 @@
+#ifndef ZEXIF_TOOL_TREE_PRINT_H
+#define ZEXIF_TOOL_TREE_PRINT_H
+
+#include <cstdio>
+#include <string>
+
+struct CExifDoc;
+
+// Writes a loaded document as an indented outline: the format, the chain of
+// JPEG markers with where their payloads lie, and every IFD with its tags,
+// a sub-IFD under the tag that points to it.
+void PrintDocument(const CExifDoc &doc, const std::string &name, FILE *out);
+
+#endif
