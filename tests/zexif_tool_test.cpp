@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -158,7 +159,7 @@ TEST(ZexifTool, EverySampleDumpsOrFailsCleanly)
 }
 
 struct FailingFile {
-    const char *name;
+    const char *name;     // "folder" is made as a directory
     const char *content;  // null: the file doesn't exist
     const char *reason;
 };
@@ -169,7 +170,9 @@ TEST_P(ToolOnBadFile, FailsWithOneLine)
 {
     TempDir dir;
     const std::string path = dir.Path(GetParam().name);
-    if (GetParam().content != nullptr) {
+    if (std::strcmp(GetParam().name, "folder") == 0) {
+        std::filesystem::create_directory(path);
+    } else if (GetParam().content != nullptr) {
         dir.Write(GetParam().name, std::vector<uint8_t>(GetParam().content,
                                                         GetParam().content + std::strlen(GetParam().content)));
     }
@@ -184,6 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
     Files, ToolOnBadFile,
     ::testing::Values(FailingFile{"missing.jpg", nullptr, "No such file or directory"},
                       FailingFile{"notes.txt", "just some text\n", "not a JPEG or TIFF file, or damaged"},
+                      FailingFile{"folder", nullptr, "Is a directory"},
                       FailingFile{"empty.jpg", "", "not a JPEG or TIFF file, or damaged"}));
 
 class ToolMisused : public ::testing::TestWithParam<std::vector<std::string>> {};

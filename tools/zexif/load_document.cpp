@@ -8,13 +8,16 @@
 
 namespace {
 
-// Whether the file can be read at all, else the reason the system gives.
-std::string OpenError(const std::string &path)
+// Why the file can't be read at all, as the system says it, or an empty
+// string for a readable one. A directory opens but fails at the first read.
+std::string ReadError(const std::string &path)
 {
     FILE *file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) return std::strerror(errno);
+    const bool failed = std::fgetc(file) == EOF && std::ferror(file);
+    const std::string reason = failed ? std::strerror(errno) : "";
     std::fclose(file);
-    return "";
+    return reason;
 }
 
 }  // namespace
@@ -23,7 +26,7 @@ CExifDoc *LoadDocument(const std::string &path)
 {
     CExifDoc *doc = zExifLoadFile(path.c_str());
     if (doc != nullptr) return doc;
-    const std::string reason = OpenError(path);
+    const std::string reason = ReadError(path);
     std::fprintf(stderr, "zexif: cannot load %s: %s\n", path.c_str(),
                  reason.empty() ? "not a JPEG or TIFF file, or damaged" : reason.c_str());
     return nullptr;
