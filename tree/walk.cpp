@@ -32,7 +32,9 @@ CNode *FindInChain(CNode *start, int32_t id)
 CTag *AsTag(CNode *node)
 {
     CTag *tag = dynamic_cast<CTag *>(node);
-    return tag != nullptr && tag->m_id != NODE_STRIP ? tag : nullptr;
+    // Strip nodes are CTags too, but hold a strip, not an entry; their kind
+    // tells them apart from a real tag numbered 80.
+    return tag != nullptr && tag->m_kind == KIND_IFD_CONTENT ? tag : nullptr;
 }
 
 int InsertAfter(CNode *node, CNode *newNode)
