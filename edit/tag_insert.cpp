@@ -92,10 +92,11 @@ int AddJpegIfd(CExifDoc *doc, CNode *header, uint32_t index, uint32_t number, co
 
 // An IFD 0 that holds the thumbnail's offset becomes IFD 1, where the save
 // writes a thumbnail, and the Exif IFD goes into a new IFD 0 in front of it.
-int AddExifIfdInFront(CExifDoc *doc, CNode *header, CNode *ifd0, uint32_t number, const ExifTagValue *value)
+// Every IFD behind the new one moves up by one.
+int AddExifIfdInFront(CExifDoc *doc, CNode *header, uint32_t number, const ExifTagValue *value)
 {
     if (AddIfd(doc, header, 0, number, value, 1) != 0) return -1;
-    ShiftIfdIndices(ifd0);
+    ShiftIfdIndices(header->m_next->m_next);
     return 0;
 }
 
@@ -148,6 +149,6 @@ int SetJpegExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value)
     if (header == nullptr) return AddExifBlock(doc, number, value, 1);
     CNode *ifd0 = FindIfdBehind(header, 0);
     if (ifd0 == nullptr) return AddIfd(doc, header, 0, number, value, 1);
-    if (HoldsThumbnail(ifd0)) return AddExifIfdInFront(doc, header, ifd0, number, value);
+    if (HoldsThumbnail(ifd0)) return AddExifIfdInFront(doc, header, number, value);
     return AddExifIfd(doc, ifd0, number, value);
 }

@@ -22,9 +22,10 @@ CTag *MakeTag(const EntrySpec &spec)
     tag->m_id = spec.tag;
     tag->m_type = spec.type;
     tag->m_count = int32_t(spec.count);
+    if (spec.bytes.empty()) return tag;
     if (ValueFitsEntry(spec.type, spec.count) || TiffTypeSize(spec.type) == 0) {
         std::memcpy(&tag->m_value, spec.bytes.data(), std::min<size_t>(spec.bytes.size(), 4));
-    } else if (!spec.bytes.empty()) {
+    } else {
         tag->SetData(spec.bytes.data(), int32_t(spec.bytes.size()));
     }
     return tag;
