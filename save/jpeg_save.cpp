@@ -1,0 +1,65 @@
+#include "save/jpeg_save.h"
+
+#include "save/audio_segments.h"
+#include "save/checked_io.h"
+#include "save/exif_rebuild.h"
+#include "streams/byte_order.h"
+#include "tree/document.h"
+
+namespace {
+
+constexpr int32_t MARKER_SOI = 0xD8;
+constexpr int32_t MARKER_EOI = 0xD9;
+constexpr int32_t MARKER_APP1 = 0xE1;
+constexpr int32_t LENGTH_FIELD_SIZE = 2;
+
+int IsMarkerCode(int32_t id)
+{
+    return id > 0 && id <= 0xFF;
+}
+
+int WriteSegment(CStreamIO *out, int32_t id, const unsigned char *data, int32_t size)
+{
+    if (!IsMarkerCode(id) || size < 0 || size > MAX_SEGMENT_PAYLOAD) return 0;
+    unsigned char prefix[4] = {0xFF, static_cast<unsigned char>(id)};
+    WriteU16BE(prefix + 2, static_cast<uint16_t>(size + LENGTH_FIELD_SIZE));
+    return WriteAll(out, prefix, sizeof prefix) && WriteAll(out, data, size);
+}
+
+int WriteStandalone(CStreamIO *out, int32_t id)
+{
+    unsigned char marker[2] = {0xFF, static_cast<unsigned char>(id)};
+    return WriteAll(out, marker, sizeof marker);
+}
+
+int WriteRebuiltExif(CExifDoc *doc, CMarker *marker, CStreamIO *out)
+{
+    unsigned char *payload = nullptr;
+    int32_t size = 0;
+    if (!RebuildExifMarker(doc, marker, &payload, &size)) return 0;
+    int ok = WriteSegment(out, MARKER_APP1, payload, size);
+    delete[] payload;
+    return ok;
+}
+
+int WriteMarker(CExifDoc *doc, CMarker *marker, CStreamIO *out, int *firstAudio)
+{
+    if (marker->m_id == MARKER_SOI || marker->m_id == MARKER_EOI) return WriteStandalone(out, marker->m_id);
+    if (marker->m_audioChunk) return WriteAudioSegment(doc, marker, out, firstAudio);
+    if (marker->m_id == MARKER_APP1 && BlockHeaderOf(marker) != nullptr) return WriteRebuiltExif(doc, marker, out);
+    if (!LoadChecked(marker, doc->m_stream)) return 0;
+    if (marker->m_id == MARKER_SCAN_DATA) return WriteAll(out, marker->m_data, marker->m_size);
+    return WriteSegment(out, marker->m_id, marker->m_data, marker->m_size);
+}
+
+}  // namespace
+
+int SaveJpeg(CExifDoc *doc, CStreamIO *out)
+{
+    int firstAudio = 1;
+    for (CNode *node = doc->m_root; node != nullptr; node = node->m_next) {
+        CMarker *marker = dynamic_cast<CMarker *>(node);
+        if (marker == nullptr || !WriteMarker(doc, marker, out, &firstAudio)) return 0;
+    }
+    return 1;
+}

@@ -1,0 +1,64 @@
+#include <string>
+
+#include "platform/file_replace.h"
+#include "save/audio_segments.h"
+#include "save/jpeg_save.h"
+#include "save/temp_path.h"
+#include "save/tiff_save.h"
+#include "streams/file_stream.h"
+#include "tree/document.h"
+#include "zexif.h"
+
+namespace {
+
+// The audio file is opened only when planned segments need its bytes.
+int OpenAudio(CExifDoc *doc)
+{
+    if (doc->m_format != FORMAT_JPEG || !HasPlannedAudio(doc)) return 1;
+    if (doc->m_audioPath == nullptr) return 0;
+    return CreateFileStream(&doc->m_audioStream, doc->m_audioPath, STREAM_READ);
+}
+
+void CloseAudio(CExifDoc *doc)
+{
+    DeleteStream(doc->m_audioStream);
+    doc->m_audioStream = nullptr;
+}
+
+int WriteDocument(CExifDoc *doc, CStreamIO *out)
+{
+    return doc->m_format == FORMAT_JPEG ? SaveJpeg(doc, out) : SaveTiff(doc, out);
+}
+
+// Every byte must be on the disk before the file goes over the target.
+int WriteTempFile(CExifDoc *doc, CFileObj *out)
+{
+    int ok = OpenAudio(doc) && WriteDocument(doc, out);
+    CloseAudio(doc);
+    ok = ok && SyncFile(out->m_file);
+    return out->Close() && ok;
+}
+
+}  // namespace
+
+// The new file is written beside the target and put over it in one step, so
+// that the target holds the old file or the new one and never a part. Any
+// failure removes the temporary file, leaves the target as it was and keeps
+// the source open, so that the document can still be saved elsewhere. After
+// a save the document's source is closed, as its file may be gone.
+int zExifSaveFile(CExifDoc *doc, const char *path)
+{
+    if (doc == nullptr || path == nullptr || path[0] == '\0') return -1;
+    if (doc->m_format != FORMAT_JPEG && doc->m_format != FORMAT_TIFF) return -1;
+    std::string temp;
+    FILE *file = OpenTempFile(path, temp);
+    if (file == nullptr) return -1;
+    CFileObj out(file);
+    if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, path)) {
+        RemoveFile(temp);
+        return -1;
+    }
+    DeleteStream(doc->m_stream);
+    doc->m_stream = nullptr;
+    return 0;
+}
