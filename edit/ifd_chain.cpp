@@ -1,6 +1,7 @@
 #include "edit/ifd_chain.h"
 
 #include "tree/node.h"
+#include "tree/walk.h"
 
 namespace {
 
@@ -16,15 +17,6 @@ uint32_t EntryNumber(const CTag *entry)
 
 }  // namespace
 
-CTag *AsEntry(CNode *node)
-{
-    CTag *tag = dynamic_cast<CTag *>(node);
-    if (tag == nullptr) return nullptr;
-    const CNode *parent = tag->m_parent;
-    int isStrip = parent != nullptr && parent->m_id == NODE_STRIP_LIST && IsStructural(parent);
-    return isStrip ? nullptr : tag;
-}
-
 int IsCountNode(const CNode *node)
 {
     return node != nullptr && node->m_id == NODE_ENTRY_COUNT && IsStructural(node);
@@ -39,7 +31,7 @@ int CountEntries(CNode *owner)
 {
     int count = 0;
     for (CNode *node = owner->m_child; node != nullptr; node = node->m_next) {
-        if (AsEntry(node) != nullptr) count++;
+        if (AsTag(node) != nullptr) count++;
     }
     return count;
 }
@@ -54,7 +46,7 @@ CNode *FindInsertPoint(CNode *first, uint32_t number)
 {
     CNode *pos = first;
     while (pos->m_next != nullptr) {
-        const CTag *next = AsEntry(pos->m_next);
+        const CTag *next = AsTag(pos->m_next);
         if (next == nullptr || EntryNumber(next) >= number) break;
         pos = pos->m_next;
     }

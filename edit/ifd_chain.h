@@ -4,15 +4,9 @@
 #include <cstdint>
 
 class CNode;
-class CTag;
 
 // The child chain of an IFD node or of a pointer tag: the entry count, the
 // entries, the next-IFD link. The owner is the node the chain hangs below.
-
-// node as an IFD entry, else null. Unlike AsTag it tells a strip of a TIFF
-// rewrite by its place below the strip list, so that a real tag numbered 80
-// stays an entry.
-CTag *AsEntry(CNode *node);
 
 int IsCountNode(const CNode *node);
 int IsIfdNode(const CNode *node);

@@ -4,6 +4,7 @@
 #include "edit/marker_chain.h"
 #include "edit/tag_lookup.h"
 #include "tree/document.h"
+#include "tree/walk.h"
 #include "zexif.h"
 
 namespace {
@@ -68,7 +69,7 @@ void PruneEmptyChains(CExifDoc *doc, CNode *owner)
 {
     int fromExifIfd = 0;
     while (owner != nullptr && CountEntries(owner) == 0) {
-        CTag *pointer = AsEntry(owner);
+        CTag *pointer = AsTag(owner);
         if (pointer == nullptr) {
             if (owner->m_id == NODE_IFD) RemoveEmptyIfd(doc, owner, fromExifIfd);
             return;

@@ -70,7 +70,7 @@ void ShiftIfdIndices(CNode *from)
 
 int HoldsThumbnail(CNode *ifd)
 {
-    return AsEntry(FindInChain(ifd->m_child, TAG_THUMB_OFFSET)) != nullptr;
+    return AsTag(FindInChain(ifd->m_child, TAG_THUMB_OFFSET)) != nullptr;
 }
 
 // A JPEG without a TIFF block gets one: in its Exif APP1 when that never had

@@ -1,9 +1,9 @@
 #include "edit/tag_lookup.h"
 
 #include "edit/exif_ifd_tags.h"
-#include "edit/ifd_chain.h"
 #include "load/tiff_types.h"
 #include "tree/document.h"
+#include "tree/walk.h"
 
 int64_t ValueDataSize(const ExifTagValue &value)
 {
@@ -18,7 +18,7 @@ CTag *FindEntry(CNode *start, uint32_t number)
     CNode *const bound = start->m_parent;
     CNode *node = start;
     for (;;) {
-        if (node->m_id == id && AsEntry(node) != nullptr) return AsEntry(node);
+        if (node->m_id == id && AsTag(node) != nullptr) return AsTag(node);
         if (node->m_child != nullptr) {
             node = node->m_child;
             continue;

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "edit/ifd_chain.h"
 #include "edit/tag_lookup.h"
 #include "support/samples.h"
 #include "support/temp_dir.h"
 #include "support/tree_builder.h"
 #include "support/tree_check.h"
+#include "tree/walk.h"
 
 namespace {
 
@@ -197,7 +197,7 @@ TEST_P(SampleEdits, DeletedExifIfdStaysDeleted)
     ASSERT_NE(nullptr, sample.doc);
     int guard = 0;
     while (sample.doc->m_exifIfdTag != nullptr && guard++ < 200) {
-        CTag *first = AsEntry(sample.doc->m_exifIfdTag->m_child->m_next);
+        CTag *first = AsTag(sample.doc->m_exifIfdTag->m_child->m_next);
         ASSERT_NE(nullptr, first);
         ASSERT_EQ(0, zExifDelTag(sample.doc, uint32_t(first->m_id), 0));
         ASSERT_EQ("", TreeFaults(*sample.doc, false));
