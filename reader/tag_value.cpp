@@ -4,6 +4,7 @@
 
 #include "streams/byte_order.h"
 #include "streams/stream.h"
+#include "streams/stream_size.h"
 
 IfdEntry DecodeEntry(const unsigned char *p, int bigEndian)
 {
@@ -62,11 +63,3 @@ int ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint
     return stream->Read(buffer, size) == size ? 1 : 0;
 }
 
-int64_t StreamSize(CStreamIO *stream)
-{
-    int32_t position = stream->Tell();
-    stream->Seek(2, 0);
-    int32_t size = stream->Tell();
-    stream->Seek(0, position);
-    return size < 0 ? 0 : size;
-}

@@ -42,8 +42,4 @@ int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, 
 // the stream's end cuts off is no value.
 int ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size);
 
-// Bytes the stream holds; its position is kept. Every length and offset
-// that a file states is held against it.
-int64_t StreamSize(CStreamIO *stream);
-
 #endif
