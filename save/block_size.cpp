@@ -9,7 +9,7 @@ constexpr int64_t HEADER_SIZE = 8;
 constexpr int64_t TABLE_OVERHEAD = 2 + 4;
 constexpr int64_t ENTRY_SIZE = 12;
 
-int64_t EntryDataSize(const ChainPlan &plan, const PlannedEntry &entry)
+int64_t ValueAreaBytes(const ChainPlan &plan, const PlannedEntry &entry)
 {
     switch (entry.m_role) {
     case ROLE_VALUE:
@@ -22,16 +22,6 @@ int64_t EntryDataSize(const ChainPlan &plan, const PlannedEntry &entry)
     }
 }
 
-int64_t StripsSize(const ChainPlan &plan)
-{
-    int64_t size = 0;
-    if (plan.m_strips == nullptr) return 0;
-    for (const CNode *node = plan.m_strips->m_child; node != nullptr; node = node->m_next) {
-        size += static_cast<const CTag *>(node)->m_size;
-    }
-    return size;
-}
-
 }  // namespace
 
 int64_t ComputeIfdSize(const BlockSource &source, CNode *owner, int depth)
@@ -40,13 +30,13 @@ int64_t ComputeIfdSize(const BlockSource &source, CNode *owner, int depth)
     if (!PlanChain(owner, source, depth, &plan)) return -1;
     if (plan.m_entries.empty()) return 0;
     int64_t size = TABLE_OVERHEAD + ENTRY_SIZE * static_cast<int64_t>(plan.m_entries.size());
-    for (const PlannedEntry &entry : plan.m_entries) size += EntryDataSize(plan, entry);
+    for (const PlannedEntry &entry : plan.m_entries) size += ValueAreaBytes(plan, entry);
     for (CNode *pointer : plan.m_subIfds) {
         int64_t sub = ComputeIfdSize(source, pointer, depth + 1);
         if (sub < 0) return -1;
         size += sub;
     }
-    return size + plan.m_streamSize + StripsSize(plan);
+    return size + plan.m_streamSize + (plan.m_strips != nullptr ? StripListBytes(plan.m_strips) : 0);
 }
 
 int64_t ComputeExifSize(const BlockSource &source, CNode *header)

@@ -217,3 +217,12 @@ CNode *FindStripList(CNode *ifd)
     }
     return nullptr;
 }
+
+int64_t StripListBytes(const CNode *list)
+{
+    int64_t total = 0;
+    for (const CNode *node = list->m_child; node != nullptr; node = node->m_next) {
+        total += static_cast<const CTag *>(node)->m_size;
+    }
+    return total;
+}

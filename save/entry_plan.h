@@ -81,4 +81,7 @@ CTag *FindChainEntry(CNode *owner, int32_t id);
 // The strip list of an IFD, or null.
 CNode *FindStripList(CNode *ifd);
 
+// The bytes of all strips of a list.
+int64_t StripListBytes(const CNode *list);
+
 #endif

@@ -167,6 +167,9 @@ int CExifWriter::WriteStrips(const ChainPlan &plan, const ChainSlots &slots, int
 {
     int32_t count = plan.m_stripCount;
     if (plan.m_strips == nullptr || count == 0) return 1;
+    // Known before a byte is copied, so that an image that would pass 2 GiB
+    // is refused at once rather than after gigabytes.
+    if (*dataPos + StripListBytes(plan.m_strips) > INT32_MAX) return 0;
     uint32_t *values = new (std::nothrow) uint32_t[2 * static_cast<size_t>(count)];
     if (values == nullptr) return 0;
     uint32_t *offsets = values;
