@@ -113,8 +113,9 @@ int ReplaceFile(const std::string &temp, const std::string &target)
         SyncDirectory(DirectoryOf(target));
         return 1;
     }
-    if (errno != EXDEV) return 0;
-    return ReplaceByCopy(temp, target);
+    if (errno != EXDEV || !ReplaceByCopy(temp, target)) return 0;
+    RemoveFile(temp);
+    return 1;
 }
 
 int ReplaceByCopy(const std::string &temp, const std::string &target)

@@ -15,12 +15,14 @@ int SyncFile(FILE *file);
 
 // Puts temp in the place of target in one step (a rename), so that a reader
 // of target sees the old file or the new one, never a mix. Where the two lie
-// on different file systems, ReplaceByCopy does it. Returns 1 with temp gone,
-// or 0 with target untouched.
+// on different file systems, ReplaceByCopy does it. The new file takes over
+// the permission bits of the target it replaces. Returns 1 with temp gone, or
+// 0 with target untouched and temp still there.
 int ReplaceFile(const std::string &temp, const std::string &target);
 
 // Copies temp to a new file beside target, syncs it and renames it over
-// target. Returns 1, or 0 with target untouched and the copy removed.
+// target. Returns 1, or 0 with target untouched and the copy removed; temp
+// stays either way.
 int ReplaceByCopy(const std::string &temp, const std::string &target);
 
 // 1 when no file is left at path.
