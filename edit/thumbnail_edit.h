@@ -36,6 +36,12 @@ CNode *MakeEmptyIfd(uint32_t index);
 // A new little-endian NODE_TIFF_HEADER node, or null.
 CNode *MakeTiffHeaderNode();
 
+// Whether the APP1 payload that a save rebuilds from the tree stays within
+// THUMB_APP1_LIMIT: with the IFDs of the chain dropped swapped for the
+// detached IFD nodes added, or with m_thumbTag holding newSize bytes.
+int FitsAfterSwap(CNode *header, CNode *dropped, CNode *const *added, int addedCount);
+int FitsWithThumbnail(CExifDoc *doc, int64_t newSize);
+
 // Put buffer's bytes into the document as its thumbnail. 0, or -1 with the
 // document unchanged.
 int SetJpegThumbnail(CExifDoc *doc, const ExifBuffer *buffer);

@@ -41,21 +41,32 @@ int FinishThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
     return 0;
 }
 
-// The estimate is the payload as the source had it with the old thumbnail's
-// bytes swapped for the new ones.
+// Two estimates must hold: the payload as the source had it with the old
+// thumbnail's bytes swapped for the new ones, and the payload that the tree
+// would give.
 int ReplaceThumbnail(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
 {
     CTag *length = AsTag(FindNode(doc->m_thumbTag, TAG_THUMB_LENGTH));
     int64_t old = length != nullptr ? length->m_value : 0;
     if (int64_t(buffer->size) - old + app1->m_size > THUMB_APP1_LIMIT) return -1;
+    if (!FitsWithThumbnail(doc, buffer->size)) return -1;
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return -1;
     return FinishThumbnail(doc, buffer);
 }
 
+// What gives way to the new IFDs: everything behind IFD 0 when there is an
+// IFD 1, everything behind the header when there is no IFD 0.
+CNode *IfdsGivingWay(CNode *header, CNode *ifd0)
+{
+    if (ifd0 == nullptr) return header->m_next;
+    return FindIfdBehind(header, 1) != nullptr ? ifd0->m_next : nullptr;
+}
+
 // The new IFD 1 takes the place of the old one and of all behind it. Without
 // an IFD 0 a minimal one is made in front of it. All nodes and the copy are
-// made before the tree changes, and the IFDs that give way are destroyed only
-// once the new ones stand.
+// made, and the size of the rebuilt payload checked, before the tree changes.
+// This path gets the test of a replacement with an old size of 0, as a
+// rebuilt segment has to fit all the same.
 int AddThumbnailToApp1(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
 {
     CNode *header = FindInChain(app1->m_child, NODE_TIFF_HEADER);
@@ -70,20 +81,16 @@ int AddThumbnailToApp1(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
     if (!BuildThumbIfd(doc, newIfd1, 0)) return DropUnplaced(doc, thumbTag, made, 2);
     if (newIfd0 != nullptr && !BuildIfd0(doc, newIfd0)) return DropUnplaced(doc, thumbTag, made, 2);
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 2);
+    CNode *dropped = IfdsGivingWay(header, ifd0);
+    if (!FitsAfterSwap(header, dropped, made, 2)) return DropUnplaced(doc, thumbTag, made, 2);
 
-    CNode *dropped = nullptr;
-    if (ifd0 != nullptr) {
-        if (FindIfdBehind(header, 1) != nullptr) {
-            dropped = ifd0->m_next;
-            ifd0->m_next = nullptr;
-        }
-        InsertAfter(ifd0, newIfd1);
-    } else {
-        dropped = header->m_next;
-        header->m_next = nullptr;
-        InsertAfter(header, newIfd0);
-        InsertAfter(newIfd0, newIfd1);
+    CNode *place = ifd0 != nullptr ? ifd0 : header;
+    if (dropped != nullptr) place->m_next = nullptr;
+    if (newIfd0 != nullptr) {
+        InsertAfter(place, newIfd0);
+        place = newIfd0;
     }
+    InsertAfter(place, newIfd1);
     if (dropped != nullptr) DestroyDetached(doc, dropped);
     return FinishThumbnail(doc, buffer);
 }

@@ -154,6 +154,28 @@ TEST(AddToApp1, IsBoundedLikeAReplacementOfNothing)
     }
 }
 
+// The payload that the tree would give counts too: here a 60,000-byte value
+// that the source's small APP1 never had.
+TEST(ThumbnailBudget, CountsWhatTheTreeHolds)
+{
+    std::vector<uint8_t> maker(60000, 7);
+    for (bool withThumbnail : {false, true}) {
+        for (LimitCase c : {LimitCase{3000, 0}, LimitCase{4000, -1}}) {
+            std::vector<std::vector<HandTag>> ifds = {{{37500, 7, 60000, 0}}};
+            if (withThumbnail) ifds.push_back(OldThumbIfd(200));
+            InMemoryExifJpeg file(400, FakeThumbnail(200), ifds);
+            AsTag(FindNode(file.app1, 37500))->SetData(maker.data(), int32_t(maker.size()));
+            std::string before = TreeShape(*file.doc);
+            std::vector<uint8_t> thumb = FakeThumbnail(c.size);
+            ExifBuffer buffer = BufferOf(thumb);
+            EXPECT_EQ(c.result, zExifSetThumbnailData(file.doc.get(), &buffer)) << c.size << " " << withThumbnail;
+            if (c.result != 0) {
+                EXPECT_EQ(before, TreeShape(*file.doc));
+            }
+        }
+    }
+}
+
 TEST(AddToApp1, RefusesAnApp1WithoutTiffBlock)
 {
     InMemoryExifJpeg file(200, {}, {});
