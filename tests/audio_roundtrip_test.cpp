@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/byte_builder.h"
+#include "support/fpxr_builder.h"
+#include "support/samples.h"
+#include "support/temp_dir.h"
+#include "zexif.h"
+
+namespace {
+
+struct Segment {
+    uint8_t code;
+    size_t lengthField;
+    std::vector<uint8_t> payload;
+};
+
+// The segments of a JPEG file up to its first SOS.
+std::vector<Segment> SegmentsOf(const std::vector<uint8_t> &file)
+{
+    std::vector<Segment> segments;
+    size_t at = 2;
+    while (at + 4 <= file.size() && file[at] == 0xFF && file[at + 1] != 0xDA) {
+        size_t length = size_t(file[at + 2]) << 8 | file[at + 3];
+        if (length < 2 || at + 2 + length > file.size()) break;
+        segments.push_back({file[at + 1], length, {file.begin() + long(at + 4), file.begin() + long(at + 2 + length)}});
+        at += 2 + length;
+    }
+    return segments;
+}
+
+std::vector<Segment> FpxrSegmentsOf(const std::vector<uint8_t> &file)
+{
+    std::vector<Segment> fpxr;
+    for (Segment &segment : SegmentsOf(file)) {
+        if (segment.code == 0xE2 && std::string(segment.payload.begin(), segment.payload.begin() + 4) == "FPXR") {
+            fpxr.push_back(std::move(segment));
+        }
+    }
+    return fpxr;
+}
+
+std::vector<uint8_t> ExifBlock()
+{
+    ByteBuilder tiff;
+    tiff.TiffHeader().U16(1).Entry(271, 2, 4, 0x00636261).U32(0);
+    return ExifApp1(tiff.m_bytes);
+}
+
+// A JPEG with an ICC profile in front of a voice annotation of its own.
+std::vector<uint8_t> JpegWithAudio()
+{
+    std::vector<uint8_t> file = Concat({{0xFF, 0xD8}, ExifBlock(), JpegSegment(0xE2, IccPayload(500))});
+    for (const auto &payload : FpxrPayloads(RiffWave(3000, 7), 4, {1000})) {
+        file = Concat({file, JpegSegment(0xE2, payload)});
+    }
+    return Concat({file, JpegSegment(0xDB, std::vector<uint8_t>(65, 1)), JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}),
+                   {0x12, 0x34, 0xFF, 0x00, 0x56, 0xFF, 0xD9}});
+}
+
+std::vector<uint8_t> ExtractWithDocument(const std::string &jpeg, const std::string &out)
+{
+    CExifDoc *doc = zExifLoadFile(jpeg.c_str());
+    EXPECT_NE(nullptr, doc);
+    if (doc == nullptr) return {};
+    EXPECT_EQ(1, zExifIsAudioExist(doc));
+    EXPECT_EQ(0, zExifGetAudioFile(doc, out.c_str()));
+    zExifDestroy(doc);
+    return ReadFileBytes(out);
+}
+
+std::vector<uint8_t> ExtractWithReader(const std::string &jpeg, const std::string &out)
+{
+    CExifReader *reader = zRExifBeginRead(jpeg.c_str());
+    EXPECT_NE(nullptr, reader);
+    if (reader == nullptr) return {};
+    EXPECT_EQ(0, zRExifGetAudioFile(reader, out.c_str()));
+    zRExifEndRead(reader);
+    return ReadFileBytes(out);
+}
+
+struct AudioRoundTrip : ::testing::Test {
+    TempDir dir;
+    std::vector<uint8_t> audio = RiffWave(100000);
+    std::string audioPath = dir.Write("voice.wav", audio);
+    std::string source = dir.Write("source.jpg", JpegWithAudio());
+    std::string saved = dir.Path("saved.jpg");
+
+    // Loads the source, lets edit change the document, saves it.
+    template <typename Edit>
+    void SaveEdited(Edit edit)
+    {
+        CExifDoc *doc = zExifLoadFile(source.c_str());
+        ASSERT_NE(nullptr, doc);
+        edit(doc);
+        EXPECT_EQ(0, zExifSaveFile(doc, saved.c_str()));
+        zExifDestroy(doc);
+    }
+};
+
+TEST_F(AudioRoundTrip, ReplacedAudioIsWrittenInSegmentsAndReadBackByBothFamilies)
+{
+    SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
+    std::vector<uint8_t> file = ReadFileBytes(saved);
+
+    std::vector<Segment> fpxr = FpxrSegmentsOf(file);
+    ASSERT_EQ(2u, fpxr.size());
+    EXPECT_EQ(63943u, fpxr[0].lengthField);
+    EXPECT_EQ(36115u, fpxr[1].lengthField);
+    EXPECT_EQ(std::vector<uint8_t>(audio.begin(), audio.begin() + 4),
+              std::vector<uint8_t>(fpxr[0].payload.begin() + 41, fpxr[0].payload.begin() + 45));
+    // Index 4 in both, the offset field the chunk's place in the audio file.
+    EXPECT_EQ((std::vector<uint8_t>{0, 4, 0, 0, 0, 0}),
+              std::vector<uint8_t>(fpxr[0].payload.begin() + 7, fpxr[0].payload.begin() + 13));
+    EXPECT_EQ((std::vector<uint8_t>{0, 4, 0, 0, 0xF9, 0x9C}),
+              std::vector<uint8_t>(fpxr[1].payload.begin() + 7, fpxr[1].payload.begin() + 13));
+
+    std::vector<Segment> segments = SegmentsOf(file);
+    ASSERT_GE(segments.size(), 4u);
+    EXPECT_EQ(0xE1, segments[0].code);
+    EXPECT_EQ(63943u, segments[1].lengthField);
+    EXPECT_EQ(IccPayload(500), segments[3].payload);
+
+    EXPECT_EQ(audio, ExtractWithDocument(saved, dir.Path("doc.wav")));
+    EXPECT_EQ(audio, ExtractWithReader(saved, dir.Path("reader.wav")));
+}
+
+TEST_F(AudioRoundTrip, OnlyTheLastPlanIsSaved)
+{
+    std::string shorter = dir.Write("short.wav", RiffWave(5000, 3));
+    SaveEdited([&](CExifDoc *doc) {
+        ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str()));
+        ASSERT_EQ(0, zExifSetAudioFile(doc, shorter.c_str()));
+    });
+    EXPECT_EQ(1u, FpxrSegmentsOf(ReadFileBytes(saved)).size());
+    EXPECT_EQ(RiffWave(5000, 3), ExtractWithDocument(saved, dir.Path("doc.wav")));
+}
+
+// Once the plan is dropped the save has no business with the audio file.
+TEST_F(AudioRoundTrip, ARemovedPlanNeedsNoAudioFile)
+{
+    SaveEdited([&](CExifDoc *doc) {
+        ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str()));
+        EXPECT_EQ(1, zExifRemoveAudio(doc));
+        std::remove(audioPath.c_str());
+    });
+    std::vector<uint8_t> file = ReadFileBytes(saved);
+    EXPECT_TRUE(FpxrSegmentsOf(file).empty());
+    EXPECT_EQ(IccPayload(500), SegmentsOf(file)[1].payload);
+}
+
+TEST_F(AudioRoundTrip, ACameraFileCarriesTheAudio)
+{
+    source = dir.Copy(Sample("jpg/Canon_40D.jpg"), "canon.jpg");
+    SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
+    EXPECT_EQ(audio, ExtractWithDocument(saved, dir.Path("doc.wav")));
+}
+
+TEST_F(AudioRoundTrip, ATiffFileGetsNoAudio)
+{
+    source = dir.Copy(TiffSamples().front(), "source.tif");
+    saved = dir.Path("saved.tif");
+    SaveEdited([&](CExifDoc *doc) {
+        EXPECT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str()));
+        std::remove(audioPath.c_str());
+    });
+    std::vector<uint8_t> file = ReadFileBytes(saved);
+    EXPECT_FALSE(file.empty());
+    EXPECT_EQ(file.end(), std::search(file.begin(), file.end(), audio.begin(), audio.begin() + 12));
+}
+
+}  // namespace
