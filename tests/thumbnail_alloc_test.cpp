@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <new>
 
+#include "support/exif_block.h"
 #include "support/thumb_jpeg.h"
 
 namespace {
@@ -123,5 +125,35 @@ INSTANTIATE_TEST_SUITE_P(
         AllocCase{"TiffInsert", [] { return Make(100, {kIfd0, kPage}); }, FORMAT_TIFF},
         AllocCase{"TiffRebuild", [] { return Make(100, {kIfd0, kReduced}); }, FORMAT_TIFF}),
     [](const ::testing::TestParamInfo<AllocCase> &param) { return std::string(param.param.name); });
+
+// The marker, its stream and the thumbnail's copy are all or nothing, and a
+// refused call leaves the buffer to its caller. What the parse can't make is
+// left out, as of a block that doesn't parse.
+TEST(InsertAllocation, FailsWholeOrTakesTheBuffer)
+{
+    std::vector<uint8_t> thumb = FakeThumbnail(300);
+    std::vector<uint8_t> bytes = ExifPayload(ExifBlock({false, thumb}));
+    for (int refuse = 0;; refuse++) {
+        MemoryJpeg jpeg;
+        jpeg.Segment(0xE0, JfifPayload());
+        auto doc = jpeg.Load();
+        Snapshot before(*doc);
+        ExifBuffer buffer{new unsigned char[bytes.size()], uint32_t(bytes.size())};
+        std::memcpy(buffer.data, bytes.data(), bytes.size());
+        g_refuseIn = refuse;
+        int result = zExifInsertExifMarker(doc.get(), &buffer);
+        bool refused = g_refuseIn < 0;
+        g_refuseIn = -1;
+        if (result != 0) {
+            EXPECT_TRUE(before == Snapshot(*doc)) << refuse;
+            delete[] buffer.data;
+        }
+        if (!refused) {
+            ASSERT_EQ(0, result);
+            EXPECT_EQ(thumb, GetThumbnail(doc.get()));
+            break;
+        }
+    }
+}
 
 }  // namespace

@@ -83,6 +83,17 @@ TEST(ReadThumbnail, FailsCleanlyWithoutWhatItNeeds)
     EXPECT_TRUE(GetThumbnail(&orphan).empty());
 }
 
+// A loaded thumbnail whose tag lost its bytes has nothing to hand out.
+TEST(ReadThumbnail, LoadedWithoutBytesGivesNothing)
+{
+    InMemoryExifJpeg file(400, FakeThumbnail(200), {kIfd0, OldThumbIfd(200)});
+    file.doc->m_thumbLoaded = 1;
+    ExifBuffer out{g_stale, 99};
+    EXPECT_EQ(-1, zExifGetThumbnailData(file.doc.get(), &out));
+    EXPECT_EQ(nullptr, out.data);
+    EXPECT_EQ(0u, out.size);
+}
+
 TEST(ReadThumbnail, CountsTiffOffsetsFromTheFileStart)
 {
     std::vector<uint8_t> file(600, 0);

@@ -111,4 +111,23 @@ INSTANTIATE_TEST_SUITE_P(Sources, ReplacedThumbnail,
                                            Target{"NoApp1", nullptr}),
                          [](const ::testing::TestParamInfo<Target> &param) { return std::string(param.param.name); });
 
+class TiffThumbnail : public ::testing::TestWithParam<std::string> {};
+
+// A TIFF file gets an IFD for the thumbnail; the saved file gives it back.
+TEST_P(TiffThumbnail, ComesBackAfterSaveAndReload)
+{
+    TempDir dir;
+    std::string path = dir.Copy(GetParam(), "in.tiff");
+    CExifDoc *doc = zExifLoadFile(path.c_str());
+    ASSERT_NE(nullptr, doc);
+    std::vector<uint8_t> thumb = FakeThumbnail(900, 4);
+    ExifBuffer buffer = BufferOf(thumb);
+    ASSERT_EQ(0, zExifSetThumbnailData(doc, &buffer));
+    EXPECT_EQ(thumb, ThumbnailAfterSave(doc, dir.Path("out.tiff")));
+    zExifDestroy(doc);
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, TiffThumbnail, ::testing::ValuesIn(TiffSamples()),
+                         [](const ::testing::TestParamInfo<std::string> &param) { return NameOf(param.param); });
+
 }  // namespace
