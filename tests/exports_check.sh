@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The shared library must export the C functions of the public header and
-# nothing else: every other symbol stays hidden.
+# The shared library must export exactly the C functions of the public header:
+# every one of them, and nothing else.
 set -euo pipefail
 library=$1
 header=$2
@@ -14,4 +14,10 @@ if [ -n "$stray" ]; then
     echo "$stray" >&2
     exit 1
 fi
-echo "$(grep -c . <<<"$exported" || true) exports, all declared in the public header"
+missing=$(comm -23 <(echo "$declared") <(echo "$exported"))
+if [ -n "$missing" ]; then
+    echo "declared in the public header but not exported:" >&2
+    echo "$missing" >&2
+    exit 1
+fi
+echo "$(grep -c . <<<"$exported") exports, exactly those of the public header"
