@@ -1,6 +1,7 @@
 #include "save/entry_plan.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "load/tiff_types.h"
 #include "save/value_layout.h"
@@ -131,7 +132,9 @@ int DecideImageTag(const CTag *tag, const ChainPlan &plan, const CTag *offsets, 
 // the stream is left out. Without a 513 in the chain it is a plain number.
 int DecideStreamLength(const CTag *tag, CNode *owner, const ChainPlan &plan)
 {
-    if (plan.m_stream != nullptr) return tag == FindChainEntry(owner, TAG_STREAM_LENGTH) ? ROLE_STREAM_LENGTH : DECIDE_DROP;
+    if (plan.m_stream != nullptr) {
+        return tag == FindChainEntry(owner, TAG_STREAM_LENGTH) ? ROLE_STREAM_LENGTH : DECIDE_DROP;
+    }
     return FindChainEntry(owner, TAG_STREAM_OFFSET) != nullptr ? DECIDE_DROP : ROLE_VALUE;
 }
 

@@ -1,6 +1,6 @@
 #include "save/exif_writer.h"
 
-#include <cstring>
+#include <cstddef>
 #include <new>
 #include <utility>
 #include <vector>

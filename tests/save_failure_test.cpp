@@ -19,7 +19,8 @@ namespace {
 
 std::vector<uint8_t> ExifJpeg(size_t commentSize = 100)
 {
-    return JpegFile({JpegSegment(0xE1, ExifPayload(ExifBlock({}))), JpegSegment(0xFE, std::vector<uint8_t>(commentSize, 'c'))});
+    return JpegFile({JpegSegment(0xE1, ExifPayload(ExifBlock({}))),
+                     JpegSegment(0xFE, std::vector<uint8_t>(commentSize, 'c'))});
 }
 
 // Every failure leaves the target as it was and no file behind but those

@@ -70,11 +70,12 @@ struct JpegSave : ::testing::Test {
     }
 };
 
-// Nothing to rebuild: every byte comes back as it was.
+// Nothing to rebuild: every byte comes back as it was, empty segments too.
 TEST_F(JpegSave, JpegWithoutApp1IsCopiedByteForByte)
 {
-    std::vector<uint8_t> file = JpegFile({JpegSegment(0xE0, {'J', 'F', 'I', 'F', 0, 1, 1}), JpegSegment(0xDB, std::vector<uint8_t>(65, 3)),
-                                          JpegSegment(0xFE, {}), JpegSegment(0xE2, IccPayload(300))});
+    std::vector<uint8_t> file =
+        JpegFile({JpegSegment(0xE0, {'J', 'F', 'I', 'F', 0, 1, 1}), JpegSegment(0xDB, std::vector<uint8_t>(65, 3)),
+                  JpegSegment(0xFE, {}), JpegSegment(0xE5, {}), JpegSegment(0xE2, IccPayload(300))});
     EXPECT_EQ(file, Save(file));
 }
 
@@ -91,7 +92,8 @@ TEST_F(JpegSave, ExifSegmentIsRebuiltInPlace)
     EXPECT_EQ(0xDA, segments[3].code);
     EXPECT_EQ(ScanDataOf(JpegFile({})), ScanDataOf(out));
     std::vector<uint8_t> block = TiffBlockOfSaved(out);
-    EXPECT_EQ((std::vector<uint8_t>{'I', 'I', 42, 0, 8, 0, 0, 0}), std::vector<uint8_t>(block.begin(), block.begin() + 8));
+    EXPECT_EQ((std::vector<uint8_t>{'I', 'I', 42, 0, 8, 0, 0, 0}),
+              std::vector<uint8_t>(block.begin(), block.begin() + 8));
 }
 
 TEST_F(JpegSave, BigEndianExifComesOutLittleEndianWithTheSameValues)
@@ -141,12 +143,6 @@ TEST_F(JpegSave, ForeignApp1InFrontStaysByteIdentical)
     DocPtr back(zExifLoadFile(target.c_str()));
     ASSERT_TRUE(back);
     EXPECT_EQ(std::string("edited\0", 7), TagText(back.get(), 305, 0));
-}
-
-TEST_F(JpegSave, EmptySegmentIsWrittenEmpty)
-{
-    std::vector<uint8_t> file = JpegFile({JpegSegment(0xFE, {}), JpegSegment(0xE5, {})});
-    EXPECT_EQ(file, Save(file));
 }
 
 TEST_F(JpegSave, JpegThumbnailIsCarriedAndStillServedAfterTheSave)
@@ -226,12 +222,15 @@ TEST_F(JpegSave, SourceApp2BehindOldAudioComesFromTheSource)
 {
     std::vector<uint8_t> file = {0xFF, 0xD8};
     file = Concat({file, ExifSegment()});
-    for (const auto &payload : FpxrPayloads(RiffWave(3000, 7), 4, {1000})) file = Concat({file, JpegSegment(0xE2, payload)});
+    for (const auto &payload : FpxrPayloads(RiffWave(3000, 7), 4, {1000})) {
+        file = Concat({file, JpegSegment(0xE2, payload)});
+    }
     std::vector<uint8_t> icc = JpegSegment(0xE2, IccPayload(400));
     file = Concat({file, icc, JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}), {0x12, 0x34, 0xFF, 0xD9}});
     std::vector<uint8_t> audio = RiffWave(2000, 5);
     std::string audioPath = dir.Write("voice.wav", audio);
-    std::vector<uint8_t> out = Save(file, [&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
+    std::vector<uint8_t> out =
+        Save(file, [&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
     std::vector<JpegSegmentView> segments = SegmentsOf(out);
     ASSERT_EQ(4u, segments.size());
     EXPECT_EQ(0xE2, segments[1].code);
@@ -287,15 +286,6 @@ TEST_F(JpegSave, TargetWithTheTemporaryExtension)
     std::vector<uint8_t> file = JpegFile({JpegSegment(0xFE, {'h', 'i'})});
     EXPECT_EQ(file, Save(file));
     EXPECT_EQ(2u, ListFiles(dir.m_path).size());
-}
-
-TEST_F(JpegSave, SavedFileDecodes)
-{
-    std::vector<uint8_t> plain = PlainJpeg(dir.m_path, 32, 24);
-    if (plain.empty()) GTEST_SKIP() << "cjpeg missing";
-    std::vector<uint8_t> withExif(plain.begin(), plain.begin() + 2);
-    withExif = Concat({withExif, ExifSegment(), std::vector<uint8_t>(plain.begin() + 2, plain.end())});
-    EXPECT_TRUE(DecodesAsJpeg(Save(withExif), dir.m_path));
 }
 
 }  // namespace

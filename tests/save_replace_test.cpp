@@ -37,18 +37,6 @@ INSTANTIATE_TEST_SUITE_P(
                       TempPathCase{"/dir.d/file", "/dir.d/file.$#$"}, TempPathCase{"/dir/.hidden", "/dir/.hidden.$#$"},
                       TempPathCase{"odd.$#$", "odd.$#$.$#$"}, TempPathCase{"trailing.", "trailing.$#$"}));
 
-TEST(TempFile, TakenNamesAreSkipped)
-{
-    TempDir dir;
-    dir.Write("a.$#$", {1});
-    std::string temp;
-    FILE *file = OpenTempFile(dir.Path("a.jpg").c_str(), temp);
-    ASSERT_NE(nullptr, file);
-    std::fclose(file);
-    EXPECT_EQ(dir.Path("a.$#$1"), temp);
-    EXPECT_EQ(std::vector<uint8_t>{1}, ReadFileBytes(dir.Path("a.$#$")));
-}
-
 // Paths are strings of any length: nothing is cut at 260 characters.
 TEST(TempFile, LongPathsAreSaved)
 {

@@ -61,7 +61,9 @@ struct SavedSample : ::testing::TestWithParam<std::string> {
 
 // Load, save elsewhere, load again: the same tags with the same values IFD by
 // IFD, the same segments in the same order, the same image data, and the
-// source as it was.
+// source as it was. The entropy-coded data is copied byte for byte; only
+// bytes behind the last EOI, which the load keeps no node for, may be
+// missing.
 TEST_P(SavedSample, ReloadsWithTheSameTagsSegmentsAndImageData)
 {
     DocPtr before(zExifLoadFile(source.c_str()));
@@ -76,25 +78,15 @@ TEST_P(SavedSample, ReloadsWithTheSameTagsSegmentsAndImageData)
     DocPtr after(zExifLoadFile(saved.c_str()));
     ASSERT_TRUE(after);
     EXPECT_EQ(tags, TagRecords(*after));
-    if (!HoldsASecondImage(GetParam())) {
+    if (!IsTiff(GetParam()) && !HoldsASecondImage(GetParam())) {
         EXPECT_EQ(ids, TopLevelIds(*after));
+        std::vector<uint8_t> scan = ScanDataOf(sourceBytes);
+        std::vector<uint8_t> savedScan = ScanDataOf(savedBytes);
+        ASSERT_LE(savedScan.size(), scan.size());
+        EXPECT_TRUE(std::equal(savedScan.begin(), savedScan.end(), scan.begin()));
     }
     EXPECT_EQ(images, ImageData(*after, savedBytes));
     EXPECT_EQ((std::vector<std::string>{"saved" + ext, "source" + ext}), SortedFiles(dir.m_path));
-}
-
-// The entropy-coded data is copied byte for byte; only bytes behind the last
-// EOI, which the load keeps no node for, may be missing.
-TEST_P(SavedSample, JpegScanDataIsTheSource)
-{
-    if (IsTiff(GetParam()) || HoldsASecondImage(GetParam())) GTEST_SKIP();
-    DocPtr doc(zExifLoadFile(source.c_str()));
-    ASSERT_TRUE(doc);
-    ASSERT_EQ(0, zExifSaveFile(doc.get(), saved.c_str()));
-    std::vector<uint8_t> before = ScanDataOf(sourceBytes);
-    std::vector<uint8_t> after = ScanDataOf(ReadFileBytes(saved));
-    ASSERT_LE(after.size(), before.size());
-    EXPECT_TRUE(std::equal(after.begin(), after.end(), before.begin()));
 }
 
 TEST_P(SavedSample, DecodesToTheSamePixels)

@@ -143,17 +143,6 @@ TEST(ImageData, IfdWithoutStripsWritesNone)
     EXPECT_EQ(nullptr, FindInChain(doc->FindIfd(0)->m_child, NODE_STRIP_LIST));
 }
 
-TEST(ImageData, PreparingTwiceKeepsTheFirstList)
-{
-    auto doc = TreeBuilder(FORMAT_TIFF).TiffBlock({{Long(273, 60), Long(279, 7)}}).Take();
-    ASSERT_EQ(1, PrepareStrips(HeaderOf(*doc)));
-    CNode *list = FindInChain(doc->FindIfd(0)->m_child, NODE_STRIP_LIST);
-    ASSERT_NE(nullptr, list);
-    ASSERT_EQ(1, PrepareStrips(HeaderOf(*doc)));
-    EXPECT_EQ(list, FindInChain(doc->FindIfd(0)->m_child, NODE_STRIP_LIST));
-    EXPECT_EQ(nullptr, FindInChain(list->m_next, NODE_STRIP_LIST));
-}
-
 TEST(ImageData, StripTagsThatDisagreeAreRefused)
 {
     auto counts = TreeBuilder(FORMAT_TIFF)
@@ -179,14 +168,6 @@ TEST(ImageData, StripsOutsideTheSource)
     ByteBuilder expected;
     expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 1).U32(0);
     EXPECT_EQ(expected.m_bytes, out);
-}
-
-TEST(ImageData, StripsOfAClosedSourceFail)
-{
-    auto doc = TreeBuilder(FORMAT_TIFF).TiffBlock({{Long(273, 10), Long(279, 20)}}).Take();
-    BlockSource gone;
-    gone.m_gone = 1;
-    EXPECT_TRUE(Write(*doc, gone).empty());
 }
 
 // A stream of any length that reads zeros and keeps nothing it is given,

@@ -68,7 +68,8 @@ TEST_F(TiffSave, BigEndianFileComesOutLittleEndianWithItsStripsInOrder)
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
 
     std::vector<uint8_t> saved = ReadFileBytes(target);
-    EXPECT_EQ((std::vector<uint8_t>{'I', 'I', 42, 0, 8, 0, 0, 0}), std::vector<uint8_t>(saved.begin(), saved.begin() + 8));
+    EXPECT_EQ((std::vector<uint8_t>{'I', 'I', 42, 0, 8, 0, 0, 0}),
+              std::vector<uint8_t>(saved.begin(), saved.begin() + 8));
     DocPtr back(zExifLoadFile(target.c_str()));
     ASSERT_TRUE(back);
     EXPECT_EQ(tags, TagRecords(*back));
