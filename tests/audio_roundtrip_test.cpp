@@ -130,17 +130,6 @@ TEST_F(AudioRoundTrip, ReplacedAudioIsWrittenInSegmentsAndReadBackByBothFamilies
     EXPECT_EQ(audio, ExtractWithReader(saved, dir.Path("reader.wav")));
 }
 
-TEST_F(AudioRoundTrip, OnlyTheLastPlanIsSaved)
-{
-    std::string shorter = dir.Write("short.wav", RiffWave(5000, 3));
-    SaveEdited([&](CExifDoc *doc) {
-        ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str()));
-        ASSERT_EQ(0, zExifSetAudioFile(doc, shorter.c_str()));
-    });
-    EXPECT_EQ(1u, FpxrSegmentsOf(ReadFileBytes(saved)).size());
-    EXPECT_EQ(RiffWave(5000, 3), ExtractWithDocument(saved, dir.Path("doc.wav")));
-}
-
 // Once the plan is dropped the save has no business with the audio file.
 TEST_F(AudioRoundTrip, ARemovedPlanNeedsNoAudioFile)
 {
@@ -173,5 +162,25 @@ TEST_F(AudioRoundTrip, ATiffFileGetsNoAudio)
     EXPECT_FALSE(file.empty());
     EXPECT_EQ(file.end(), std::search(file.begin(), file.end(), audio.begin(), audio.begin() + 12));
 }
+
+// The bytes the file loses at its end, inside the last audio segment.
+class CutAudio : public ::testing::TestWithParam<size_t> {};
+
+TEST_P(CutAudio, BothFamiliesExtractWhatTheFileHolds)
+{
+    TempDir dir;
+    std::vector<uint8_t> audio = RiffWave(50000);
+    auto payloads = FpxrPayloads(audio, 4, {20000, 20000});
+    std::vector<uint8_t> file = Concat({{0xFF, 0xD8}, JpegSegment(0xE2, payloads[0]),
+                                        JpegSegment(0xE2, FpxrContinuation(5, {1, 2, 3})),
+                                        JpegSegment(0xE2, payloads[1]), JpegSegment(0xE2, payloads[2])});
+    file.resize(file.size() - GetParam());
+    std::string jpeg = dir.Write("a.jpg", file);
+    std::vector<uint8_t> expected(audio.begin(), audio.end() - long(GetParam()));
+    EXPECT_EQ(expected, ExtractWithDocument(jpeg, dir.Path("doc.wav")));
+    EXPECT_EQ(expected, ExtractWithReader(jpeg, dir.Path("reader.wav")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cuts, CutAudio, ::testing::Values(0, 1, 5000));
 
 }  // namespace
