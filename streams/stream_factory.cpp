@@ -16,7 +16,7 @@ int CreateFileStream(CStreamIO **stream, const void *path, int mode)
         std::fclose(file);
         return 0;
     }
-    obj->Seek(0, 0);
+    // A file fopen has just opened stands at its start already.
     *stream = obj;
     return 1;
 }
