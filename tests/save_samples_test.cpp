@@ -96,7 +96,7 @@ TEST_P(SavedSample, DecodesToTheSamePixels)
     ASSERT_TRUE(doc);
     ASSERT_EQ(0, zExifSaveFile(doc.get(), saved.c_str()));
     if (IsTiff(GetParam())) {
-        EXPECT_EQ(0, ReadFileBytes(saved)[0] == 'I' ? 0 : 1);
+        EXPECT_EQ('I', ReadFileBytes(saved)[0]);
         EXPECT_TRUE(RunsClean("tiffinfo -D '" + saved + "'", dir.m_path));
         EXPECT_TRUE(RunsClean("tiffcmp '" + source + "' '" + saved + "'", dir.m_path));
         return;
