@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "save/exif_rebuild.h"
 #include "tree/document.h"
 #include "tree/walk.h"
 
@@ -25,6 +26,22 @@ int LiesIn(const CNode *node, const CNode *chain)
 CMarker *FindTopLevelMarker(CExifDoc *doc, int32_t code)
 {
     return dynamic_cast<CMarker *>(FindInChain(doc->m_root, code));
+}
+
+CMarker *HoldingMarker(CNode *node)
+{
+    while (node->m_parent != nullptr) node = node->m_parent;
+    return dynamic_cast<CMarker *>(node);
+}
+
+CNode *FindFirstBlockHeader(CExifDoc *doc)
+{
+    for (CNode *node = doc->m_root; node != nullptr; node = node->m_next) {
+        if (node->m_id != MARKER_APP1) continue;
+        CNode *header = BlockHeaderOf(node);
+        if (header != nullptr) return header;
+    }
+    return nullptr;
 }
 
 CNode *FindApp1Place(CExifDoc *doc)

@@ -15,6 +15,13 @@ constexpr int32_t MARKER_APP1 = 0xE1;
 // walk of the whole tree could meet a tag of the same number first.
 CMarker *FindTopLevelMarker(CExifDoc *doc, int32_t code);
 
+// The top-level marker above node: in a JPEG document the APP1 whose block
+// holds it. Null when the top of node's tree is no marker.
+CMarker *HoldingMarker(CNode *node);
+
+// The TIFF header of the first APP1 that holds a TIFF block, or null.
+CNode *FindFirstBlockHeader(CExifDoc *doc);
+
 // The marker behind which a new APP1 goes: the first APP0, else SOI. Null in
 // a chain that has neither.
 CNode *FindApp1Place(CExifDoc *doc);

@@ -1,3 +1,4 @@
+#include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
 #include "save/block_size.h"
 #include "save/exif_rebuild.h"
@@ -6,12 +7,6 @@
 namespace {
 
 constexpr int64_t EXIF_SIGNATURE_SIZE = 6;
-
-CNode *TopLevelAncestor(CNode *node)
-{
-    while (node->m_parent != nullptr) node = node->m_parent;
-    return node;
-}
 
 // The IFDs of a chain sized as the save would write them, from what the tree
 // holds. -1 when one can't be sized.
@@ -50,7 +45,8 @@ int FitsAfterSwap(CNode *header, CNode *dropped, CNode *const *added, int addedC
 int FitsWithThumbnail(CExifDoc *doc, int64_t newSize)
 {
     CTag *thumb = doc->m_thumbTag;
-    CNode *header = BlockHeaderOf(TopLevelAncestor(thumb));
+    CMarker *holder = HoldingMarker(thumb);
+    CNode *header = holder != nullptr ? BlockHeaderOf(holder) : nullptr;
     if (header == nullptr) return 1;
     BlockSource inMemory;
     int64_t size = ComputeExifSize(inMemory, header);

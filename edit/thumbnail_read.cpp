@@ -22,12 +22,6 @@ struct ThumbSource {
     int64_t avail = 0;
 };
 
-CNode *TopLevelAncestor(CNode *node)
-{
-    while (node->m_parent != nullptr) node = node->m_parent;
-    return node;
-}
-
 int64_t StreamSize(CStreamIO *stream)
 {
     stream->Seek(2, 0);
@@ -50,7 +44,7 @@ int OnStream(CStreamIO *stream, int64_t base, ThumbSource *source)
 int LocateSource(CExifDoc *doc, ThumbSource *source)
 {
     if (doc->m_format == FORMAT_TIFF) return OnStream(doc->m_stream, 0, source);
-    CMarker *holder = dynamic_cast<CMarker *>(TopLevelAncestor(doc->m_thumbTag));
+    CMarker *holder = HoldingMarker(doc->m_thumbTag);
     if (holder == nullptr || holder->m_id != MARKER_APP1) return 0;
     if (holder->m_offset > 0) return OnStream(doc->m_stream, int64_t(holder->m_offset) + EXIF_SIGNATURE_SIZE, source);
     if (holder->m_data == nullptr || holder->m_size <= EXIF_SIGNATURE_SIZE) return 0;

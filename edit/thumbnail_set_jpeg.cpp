@@ -41,9 +41,9 @@ int FinishThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
     return 0;
 }
 
-// Two estimates must hold: the payload as the source had it with the old
-// thumbnail's bytes swapped for the new ones, and the payload that the tree
-// would give.
+// Two estimates must hold: the payload of the APP1 that holds the thumbnail as
+// the source had it, with the old thumbnail's bytes swapped for the new ones,
+// and the payload that the tree would give.
 int ReplaceThumbnail(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
 {
     CTag *length = AsTag(FindNode(doc->m_thumbTag, TAG_THUMB_LENGTH));
@@ -67,11 +67,10 @@ CNode *IfdsGivingWay(CNode *header, CNode *ifd0)
 // made, and the size of the rebuilt payload checked, before the tree changes.
 // This path gets the test of a replacement with an old size of 0, as a
 // rebuilt segment has to fit all the same.
-int AddThumbnailToApp1(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
+int AddThumbnailToBlock(CExifDoc *doc, CNode *header, const ExifBuffer *buffer)
 {
-    CNode *header = FindInChain(app1->m_child, NODE_TIFF_HEADER);
-    if (header == nullptr) return -1;
-    if (int64_t(buffer->size) + app1->m_size > THUMB_APP1_LIMIT) return -1;
+    CMarker *app1 = HoldingMarker(header);
+    if (app1 == nullptr || int64_t(buffer->size) + app1->m_size > THUMB_APP1_LIMIT) return -1;
     CNode *ifd0 = FindIfdBehind(header, 0);
     CTag *thumbTag = doc->m_thumbTag;
     CNode *made[2] = {MakeEmptyIfd(1), ifd0 == nullptr ? MakeEmptyIfd(0) : nullptr};
@@ -95,8 +94,9 @@ int AddThumbnailToApp1(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
     return FinishThumbnail(doc, buffer);
 }
 
-// A JPEG without APP1 gets one: TIFF header, a minimal IFD 0 and the
-// thumbnail's IFD 1.
+// A JPEG without a TIFF block gets an APP1 for one: TIFF header, a minimal
+// IFD 0 and the thumbnail's IFD 1. An APP1 of another kind (XMP) stays behind
+// it as it is.
 int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
 {
     if (int64_t(buffer->size) > THUMB_NEW_LIMIT) return -1;
@@ -123,10 +123,15 @@ int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
 
 }  // namespace
 
+// The thumbnail goes where the save writes it: into the block that holds the
+// thumbnail's tag, else into the first APP1 that holds a block.
 int SetJpegThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
 {
-    CMarker *app1 = FindTopLevelMarker(doc, MARKER_APP1);
-    if (app1 == nullptr) return AddThumbnailWithApp1(doc, buffer);
-    if (doc->m_hasThumb && doc->m_thumbTag != nullptr) return ReplaceThumbnail(doc, app1, buffer);
-    return AddThumbnailToApp1(doc, app1, buffer);
+    if (doc->m_hasThumb && doc->m_thumbTag != nullptr) {
+        CMarker *holder = HoldingMarker(doc->m_thumbTag);
+        if (holder != nullptr && holder->m_id == MARKER_APP1) return ReplaceThumbnail(doc, holder, buffer);
+    }
+    CNode *header = FindFirstBlockHeader(doc);
+    if (header == nullptr) return AddThumbnailWithApp1(doc, buffer);
+    return AddThumbnailToBlock(doc, header, buffer);
 }

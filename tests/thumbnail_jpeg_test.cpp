@@ -176,16 +176,18 @@ TEST(ThumbnailBudget, CountsWhatTheTreeHolds)
     }
 }
 
-TEST(AddToApp1, RefusesAnApp1WithoutTiffBlock)
+// An APP1 of XMP holds no block: it stays as it is, behind a new Exif APP1.
+TEST(NewApp1, StandsInFrontOfAnApp1WithoutBlock)
 {
-    InMemoryExifJpeg file(200, {}, {});
-    std::string before = TreeShape(*file.doc);
+    MemoryJpeg jpeg;
+    jpeg.Segment(0xE0, JfifPayload()).Segment(0xE1, {'h', 't', 't', 'p', ':', '/', '/', 'n', 's'});
+    auto doc = jpeg.Load();
     std::vector<uint8_t> thumb = FakeThumbnail(100);
     ExifBuffer buffer = BufferOf(thumb);
-    EXPECT_EQ(-1, zExifSetThumbnailData(file.doc.get(), &buffer));
-    EXPECT_EQ(before, TreeShape(*file.doc));
-    EXPECT_EQ(nullptr, file.doc->m_thumbTag);
-    EXPECT_EQ(0, zExifIsThumbnailExist(file.doc.get()));
+    ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &buffer));
+    EXPECT_EQ(std::string("216 224'JFIF' ") + kNewApp1 + " 225'http' 217", TreeShape(*doc));
+    EXPECT_EQ(MarkersOf(*doc)[2], doc->m_exifMarker);
+    EXPECT_EQ(thumb, GetThumbnail(doc.get()));
 }
 
 // Nothing is stored that would leave a tag 513 without bytes.

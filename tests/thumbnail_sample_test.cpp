@@ -81,7 +81,8 @@ struct Target {
 class ReplacedThumbnail : public ::testing::TestWithParam<Target> {};
 
 // A new thumbnail comes back identical from the saved file, whether the
-// source had a thumbnail, only an APP1, or no APP1 at all.
+// source had a thumbnail, an Exif block without one (behind an XMP APP1, say),
+// or no APP1 at all.
 TEST_P(ReplacedThumbnail, ComesBackAfterSaveAndReload)
 {
     TempDir dir;
@@ -108,6 +109,7 @@ INSTANTIATE_TEST_SUITE_P(Sources, ReplacedThumbnail,
                          ::testing::Values(Target{"HadOne", "jpg/Canon_40D.jpg"},
                                            Target{"App1WithoutThumbnail", "jpg/Fujifilm_FinePix_E500.jpg"},
                                            Target{"StripThumbnail", "jpg/exif-org/kodak-dc210.jpg"},
+                                           Target{"XmpApp1InFront", "jpg/xmp/no_exif.jpg"},
                                            Target{"NoApp1", nullptr}),
                          [](const ::testing::TestParamInfo<Target> &param) { return std::string(param.param.name); });
 
