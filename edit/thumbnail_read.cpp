@@ -39,18 +39,22 @@ int OnStream(CStreamIO *stream, int64_t base, ThumbSource *source)
 
 // A TIFF file counts offsets from its first byte. In a JPEG file they count
 // in the block of the APP1 that holds the tag, which is not always the first
-// APP1. A payload that was handed over (zExifInsertExifMarker) was never on
-// file, and its marker has no file offset: the bytes are in the marker.
-int LocateSource(CExifDoc *doc, ThumbSource *source)
+// APP1. A payload in memory is the one that the tree's offsets name (a save
+// keeps the old one, a payload handed over is the tree's own), so it serves
+// when it holds the bytes; the source file serves thumbnails that lie beyond
+// the segment, as long as it is open.
+int LocateSource(CExifDoc *doc, int64_t end, ThumbSource *source)
 {
     if (doc->m_format == FORMAT_TIFF) return OnStream(doc->m_stream, 0, source);
     CMarker *holder = HoldingMarker(doc->m_thumbTag);
     if (holder == nullptr || holder->m_id != MARKER_APP1) return 0;
-    if (holder->m_offset > 0) return OnStream(doc->m_stream, int64_t(holder->m_offset) + EXIF_SIGNATURE_SIZE, source);
-    if (holder->m_data == nullptr || holder->m_size <= EXIF_SIGNATURE_SIZE) return 0;
-    source->bytes = holder->m_data + EXIF_SIGNATURE_SIZE;
-    source->avail = holder->m_size - EXIF_SIGNATURE_SIZE;
-    return 1;
+    if (holder->m_data != nullptr && end <= int64_t(holder->m_size) - EXIF_SIGNATURE_SIZE) {
+        source->bytes = holder->m_data + EXIF_SIGNATURE_SIZE;
+        source->avail = holder->m_size - EXIF_SIGNATURE_SIZE;
+        return 1;
+    }
+    if (holder->m_offset < 1) return 0;
+    return OnStream(doc->m_stream, int64_t(holder->m_offset) + EXIF_SIGNATURE_SIZE, source);
 }
 
 int CopyFromSource(const ThumbSource &source, int64_t offset, int32_t size, unsigned char *block)
@@ -84,7 +88,7 @@ int ReadThumbnail(CExifDoc *doc, ExifBuffer *out)
     int64_t offset = static_cast<int32_t>(thumb->m_value);
     int64_t size = static_cast<int32_t>(lengthTag->m_value);
     ThumbSource source;
-    if (offset < 1 || size < 1 || !LocateSource(doc, &source) || offset + size > source.avail) return 0;
+    if (offset < 1 || size < 1 || !LocateSource(doc, offset + size, &source) || offset + size > source.avail) return 0;
     unsigned char *block = static_cast<unsigned char *>(std::malloc(static_cast<size_t>(size)));
     if (block == nullptr) return 0;
     if (!CopyFromSource(source, offset, static_cast<int32_t>(size), block)) {

@@ -127,10 +127,27 @@ TEST(ThumbDataEx, ServesByType)
     std::free(out.data);
     EXPECT_EQ(replaced, GetThumbnail(file.doc.get()));
 
+    EXPECT_EQ(-1, zExifGetThumbDataEx(nullptr, &out, 0x800));
+}
+
+// The APP1's payload in memory serves once the source is closed, as after a
+// save; a thumbnail beyond the segment then has nowhere to come from.
+TEST(ThumbDataEx, ReadsALoadedPayloadWithoutTheSource)
+{
+    std::vector<uint8_t> old = FakeThumbnail(200, 3);
+    InMemoryExifJpeg file(400, old, {kIfd0, OldThumbIfd(200)});
+    unsigned char *payload = nullptr;
+    int32_t size = 0;
+    ASSERT_EQ(1, file.app1->Load(file.doc->m_stream, &payload, &size));
     DropSource(*file.doc);
+    ExifBuffer out{nullptr, 0};
+    ASSERT_EQ(0, zExifGetThumbDataEx(file.doc.get(), &out, 0x801));
+    EXPECT_EQ(old, BytesOf(out));
+    std::free(out.data);
+
+    AsTag(FindNode(file.app1, 514))->m_value = 295;
     EXPECT_EQ(-1, zExifGetThumbDataEx(file.doc.get(), &out, 0x801));
     EXPECT_EQ(nullptr, out.data);
-    EXPECT_EQ(-1, zExifGetThumbDataEx(nullptr, &out, 0x800));
 }
 
 TEST(ThumbDataEx, NeedsAThumbnail)
