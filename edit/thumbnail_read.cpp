@@ -4,6 +4,7 @@
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
 #include "streams/stream.h"
+#include "streams/stream_size.h"
 #include "tree/document.h"
 #include "tree/walk.h"
 
@@ -21,12 +22,6 @@ struct ThumbSource {
     int64_t base = 0;
     int64_t avail = 0;
 };
-
-int64_t StreamSize(CStreamIO *stream)
-{
-    stream->Seek(2, 0);
-    return stream->Tell();
-}
 
 int OnStream(CStreamIO *stream, int64_t base, ThumbSource *source)
 {
