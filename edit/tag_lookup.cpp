@@ -15,20 +15,11 @@ CTag *FindEntry(CNode *start, uint32_t number)
 {
     if (start == nullptr) return nullptr;
     const int32_t id = static_cast<int32_t>(number);
-    CNode *const bound = start->m_parent;
-    CNode *node = start;
-    for (;;) {
-        if (node->m_id == id && AsTag(node) != nullptr) return AsTag(node);
-        if (node->m_child != nullptr) {
-            node = node->m_child;
-            continue;
-        }
-        while (node->m_next == nullptr) {
-            node = node->m_parent;
-            if (node == bound || node == nullptr) return nullptr;
-        }
-        node = node->m_next;
+    for (CNode *node = start; node != nullptr; node = NextInWalk(node, start->m_parent)) {
+        if (node->m_id != id) continue;
+        if (CTag *tag = AsTag(node)) return tag;
     }
+    return nullptr;
 }
 
 CTag *FindExifEntry(CExifDoc *doc, uint32_t number)

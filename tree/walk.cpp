@@ -2,23 +2,23 @@
 
 #include "tree/node.h"
 
+CNode *NextInWalk(CNode *node, const CNode *bound)
+{
+    if (node->m_child != nullptr) return node->m_child;
+    while (node->m_next == nullptr) {
+        node = node->m_parent;
+        if (node == bound || node == nullptr) return nullptr;
+    }
+    return node->m_next;
+}
+
 CNode *FindNode(CNode *start, int32_t id)
 {
     if (start == nullptr) return nullptr;
-    CNode *const bound = start->m_parent;
-    CNode *node = start;
-    for (;;) {
+    for (CNode *node = start; node != nullptr; node = NextInWalk(node, start->m_parent)) {
         if (node->m_id == id) return node;
-        if (node->m_child != nullptr) {
-            node = node->m_child;
-            continue;
-        }
-        while (node->m_next == nullptr) {
-            node = node->m_parent;
-            if (node == bound || node == nullptr) return nullptr;
-        }
-        node = node->m_next;
     }
+    return nullptr;
 }
 
 CNode *FindInChain(CNode *start, int32_t id)

@@ -11,6 +11,10 @@ class CTag;
 // climbs back through m_parent instead of recursing, so it needs no stack.
 CNode *FindNode(CNode *start, int32_t id);
 
+// The node behind node in that walk, which never climbs to bound (the parent
+// of the walk's start); null at its end.
+CNode *NextInWalk(CNode *node, const CNode *bound);
+
 // The first node with that id along m_next from start, without descending.
 CNode *FindInChain(CNode *start, int32_t id);
 
