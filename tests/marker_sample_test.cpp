@@ -15,15 +15,6 @@
 
 namespace {
 
-std::string NameOf(const std::string &path)
-{
-    std::string name = path.substr(path.rfind('/') + 1);
-    for (char &c : name) {
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-    }
-    return name;
-}
-
 // A tag's value as zExifGetTag hands it out: type, count and bytes.
 struct TagValue {
     uint32_t type = 0;
@@ -180,7 +171,7 @@ TEST_P(CopyExif, CarriesTheExifIfdIntoAPlainJpeg)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, CopyExif, ::testing::ValuesIn(SamplesWithExif()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return NameOf(param.param); });
+                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
 
 class RemoveApp1 : public ::testing::TestWithParam<std::string> {};
 
@@ -209,6 +200,6 @@ TEST_P(RemoveApp1, LeavesNoExifInTheSavedFile)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, RemoveApp1, ::testing::ValuesIn(SamplesWithExif()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return NameOf(param.param); });
+                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
 
 }  // namespace

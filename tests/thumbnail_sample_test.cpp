@@ -10,15 +10,6 @@
 
 namespace {
 
-std::string NameOf(const std::string &path)
-{
-    std::string name = path.substr(path.rfind('/') + 1);
-    for (char &c : name) {
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-    }
-    return name;
-}
-
 std::vector<uint8_t> ReaderThumbnailOf(const std::string &path)
 {
     CExifReader *reader = zRExifBeginRead(path.c_str());
@@ -71,7 +62,7 @@ TEST_P(SampleThumbnail, IsExtractedAndSurvivesASave)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, SampleThumbnail, ::testing::ValuesIn(JpegSamples()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return NameOf(param.param); });
+                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
 
 struct Target {
     const char *name;
@@ -130,6 +121,6 @@ TEST_P(TiffThumbnail, ComesBackAfterSaveAndReload)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, TiffThumbnail, ::testing::ValuesIn(TiffSamples()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return NameOf(param.param); });
+                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
 
 }  // namespace

@@ -60,7 +60,7 @@ std::string Sample(const std::string &relative)
 
 std::string SampleTestName(const std::string &path)
 {
-    std::string name = fs::path(path).stem().string();
+    std::string name = fs::path(path).filename().string();
     for (char &c : name) {
         if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
     }

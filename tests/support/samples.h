@@ -13,7 +13,8 @@ std::vector<std::string> JpegSamples();
 std::vector<std::string> TiffSamples();
 // The path of one sample, relative to SamplesDir().
 std::string Sample(const std::string &relative);
-// A test name for a sample path: its stem, with what gtest can't take as "_".
+// A test name for a sample path: its file name, with what gtest can't take
+// as "_".
 std::string SampleTestName(const std::string &path);
 
 #endif
