@@ -11,7 +11,8 @@ constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_USAGE = 2;
 
 // A command of the tool. main checks the number of arguments against the
-// bounds before run is called; run returns the exit status.
+// bounds before run is called; run returns the exit status, and for
+// EXIT_USAGE main prints the command's usage line.
 struct Command {
     const char *name;
     const char *arguments;
@@ -22,5 +23,8 @@ struct Command {
 };
 
 int RunDump(const std::vector<std::string> &arguments);
+int RunGet(const std::vector<std::string> &arguments);
+int RunSet(const std::vector<std::string> &arguments);
+int RunDelete(const std::vector<std::string> &arguments);
 
 #endif

@@ -26,8 +26,12 @@ CExifDoc *LoadDocument(const std::string &path)
 {
     CExifDoc *doc = zExifLoadFile(path.c_str());
     if (doc != nullptr) return doc;
-    const std::string reason = ReadError(path);
-    std::fprintf(stderr, "zexif: cannot load %s: %s\n", path.c_str(),
-                 reason.empty() ? "not a JPEG or TIFF file, or damaged" : reason.c_str());
+    std::fprintf(stderr, "zexif: cannot load %s: %s\n", path.c_str(), LoadFailureReason(path).c_str());
     return nullptr;
+}
+
+std::string LoadFailureReason(const std::string &path)
+{
+    const std::string reason = ReadError(path);
+    return reason.empty() ? "not a JPEG or TIFF file, or damaged" : reason;
 }

@@ -10,4 +10,8 @@ struct CExifDoc;
 // but doesn't load is called not an image or damaged.
 CExifDoc *LoadDocument(const std::string &path);
 
+// Why a file the library refused can't be used, for a message: the system's
+// reason when it can't be read, and otherwise that it is no image it knows.
+std::string LoadFailureReason(const std::string &path);
+
 #endif

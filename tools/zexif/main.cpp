@@ -1,5 +1,6 @@
 // zexif: shows and edits the metadata of JPEG and TIFF files with zExifLib.
 // Each command is a file of its own and a row in the table below.
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -9,6 +10,12 @@ namespace {
 
 const Command COMMANDS[] = {
     {"dump", "FILE", "print the format, the JPEG markers and every IFD with its tags", 1, 1, RunDump},
+    {"get", "FILE TAG [--ifd N]", "print one tag's value; TAG in decimal or 0x hex", 2, 4, RunGet},
+    {"set", "FILE TAG TYPE VALUE... [--ifd N] [-o OUT]",
+     "set a tag: TYPE byte, ascii, short, long, rational (n/d), sbyte, undefined (bytes), sshort, slong, "
+     "srational, float, double or 1 to 12",
+     4, SIZE_MAX, RunSet},
+    {"delete", "FILE TAG [--ifd N] [-o OUT]", "delete a tag", 2, 6, RunDelete},
 };
 
 void PrintHelp(FILE *out)
@@ -28,13 +35,17 @@ const Command *FindCommand(const char *name)
     return nullptr;
 }
 
+int Usage(const Command &command)
+{
+    std::fprintf(stderr, "usage: zexif %s %s\n", command.name, command.arguments);
+    return EXIT_USAGE;
+}
+
 int RunCommand(const Command &command, const std::vector<std::string> &arguments)
 {
-    if (arguments.size() < command.minArguments || arguments.size() > command.maxArguments) {
-        std::fprintf(stderr, "usage: zexif %s %s\n", command.name, command.arguments);
-        return EXIT_USAGE;
-    }
-    return command.run(arguments);
+    if (arguments.size() < command.minArguments || arguments.size() > command.maxArguments) return Usage(command);
+    const int status = command.run(arguments);
+    return status == EXIT_USAGE ? Usage(command) : status;
 }
 
 bool IsHelp(const char *argument)

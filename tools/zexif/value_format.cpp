@@ -144,3 +144,15 @@ std::string FormatValue(uint32_t type, uint32_t count, const unsigned char *byte
     if (type == TIFF_UNDEFINED) return FormatUndefined(bytes, available, declaredBytes);
     return FormatNumbers(type, count, bytes, available, declaredBytes);
 }
+
+std::string FormatWholeValue(uint32_t type, uint32_t count, const unsigned char *bytes, size_t size)
+{
+    if (TiffTypeSize(type) == 0) return "(unknown type)";
+    const size_t available = static_cast<size_t>(std::min<uint64_t>(EntryDataSize(type, count), size));
+    if (type == TIFF_ASCII) return std::string(reinterpret_cast<const char *>(bytes), TextLength(bytes, available));
+    if (type == TIFF_UNDEFINED) return HexBytes(bytes, available);
+    const size_t values = available / static_cast<size_t>(TiffTypeSize(type));
+    std::string text;
+    for (size_t i = 0; i < values; ++i) text += (i == 0 ? "" : " ") + NumberAt(type, bytes, i);
+    return text;
+}

@@ -19,4 +19,9 @@ std::string QuoteText(const unsigned char *bytes, size_t size);
 // start and "…(N bytes)", N being the size that count declares.
 std::string FormatValue(uint32_t type, uint32_t count, const unsigned char *bytes, size_t size);
 
+// The whole value, for a single tag asked for by number: ASCII as its text
+// up to the first NUL, unquoted; numbers and rationals as FormatValue gives
+// them, but all of them; UNDEFINED as hex bytes, all of them.
+std::string FormatWholeValue(uint32_t type, uint32_t count, const unsigned char *bytes, size_t size);
+
 #endif
