@@ -26,5 +26,11 @@ int RunDump(const std::vector<std::string> &arguments);
 int RunGet(const std::vector<std::string> &arguments);
 int RunSet(const std::vector<std::string> &arguments);
 int RunDelete(const std::vector<std::string> &arguments);
+int RunInfo(const std::vector<std::string> &arguments);
+int RunThumbnail(const std::vector<std::string> &arguments);
+int RunAudio(const std::vector<std::string> &arguments);
+int RunStrip(const std::vector<std::string> &arguments);
+int RunRemoveMarker(const std::vector<std::string> &arguments);
+int RunCopyExif(const std::vector<std::string> &arguments);
 
 #endif

@@ -16,6 +16,21 @@ const Command COMMANDS[] = {
      "srational, float, double or 1 to 12",
      4, SIZE_MAX, RunSet},
     {"delete", "FILE TAG [--ifd N] [-o OUT]", "delete a tag", 2, 6, RunDelete},
+    {"info", "FILE...", "print format, Exif, thumbnail, audio, Make, Model, DateTime, Orientation", 1, SIZE_MAX,
+     RunInfo},
+    {"thumbnail", "extract FILE OUT.jpg | set FILE IN.jpg [-o OUT]", "write out or replace the thumbnail", 3, 5,
+     RunThumbnail},
+    {"audio", "extract FILE OUT.wav | set FILE IN.wav [-o OUT] | remove FILE [-o OUT]",
+     "write out, attach or remove the voice annotation", 2, 5, RunAudio},
+    {"strip", "FILE [--keep-orientation] [-o OUT]",
+     "remove the Exif data: every APP1 of a JPEG, the Exif and GPS IFDs of a TIFF; a kept orientation goes "
+     "into a new Exif IFD of a JPEG, and stays in IFD 0 of a TIFF",
+     1, 4, RunStrip},
+    {"remove-marker", "FILE CODE [--signature ABCD] [-o OUT]",
+     "remove every APP1 (CODE 0xE1), or the first marker of CODE whose payload starts with the signature", 2, 6,
+     RunRemoveMarker},
+    {"copy-exif", "SRC DST [-o OUT]", "copy the Exif data of SRC into DST, both JPEG or both TIFF", 2, 4,
+     RunCopyExif},
 };
 
 void PrintHelp(FILE *out)

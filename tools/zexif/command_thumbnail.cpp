@@ -1,0 +1,49 @@
+#include <cstdio>
+
+#include "tools/zexif/arguments.h"
+#include "tools/zexif/command.h"
+#include "tools/zexif/edit_session.h"
+#include "tools/zexif/file_bytes.h"
+#include "tools/zexif/open_reader.h"
+#include "zexif.h"
+
+namespace {
+
+int Extract(const std::string &path, const std::string &out)
+{
+    CExifReader *reader = OpenReader(path);
+    if (reader == nullptr) return EXIT_FAILED;
+    ExifBuffer thumbnail{};
+    bool done = zRExifGetThumbnailData(reader, &thumbnail) == 0;
+    if (!done) std::fprintf(stderr, "zexif: %s has no thumbnail\n", path.c_str());
+    done = done && WriteFileBytes(out, thumbnail.data, thumbnail.size);
+    zRExifEndRead(reader);
+    return done ? EXIT_OK : EXIT_FAILED;
+}
+
+int Replace(const std::string &path, const std::string &jpeg, const std::string &out)
+{
+    std::vector<unsigned char> bytes;
+    if (!ReadFileBytes(jpeg, &bytes)) return EXIT_FAILED;
+    return EditAndSave(path, out, [&](CExifDoc *doc) {
+        ExifBuffer buffer{bytes.data(), static_cast<uint32_t>(bytes.size())};
+        if (bytes.size() <= UINT32_MAX && zExifSetThumbnailData(doc, &buffer) == 0) return true;
+        std::fprintf(stderr, "zexif: cannot put %s into %s as its thumbnail\n", jpeg.c_str(), path.c_str());
+        return false;
+    });
+}
+
+}  // namespace
+
+int RunThumbnail(const std::vector<std::string> &arguments)
+{
+    ParsedArguments parsed;
+    if (!ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed) ||
+        parsed.positional.size() != 2) {
+        return EXIT_USAGE;
+    }
+    const std::string &path = parsed.positional[0], &other = parsed.positional[1];
+    if (arguments[0] == "extract" && !parsed.Has("-o")) return Extract(path, other);
+    if (arguments[0] == "set") return Replace(path, other, parsed.Value("-o", ""));
+    return EXIT_USAGE;
+}
