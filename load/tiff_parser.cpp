@@ -1,9 +1,7 @@
 #include "load/tiff_parser.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
-#include <vector>
 
 #include "load/doc_builder.h"
 #include "load/ifd_entry_decode.h"
@@ -11,6 +9,7 @@
 #include "streams/stream.h"
 #include "streams/stream_size.h"
 #include "tree/document.h"
+#include "tree/walk.h"
 
 namespace {
 
@@ -89,9 +88,30 @@ uint32_t ReadLink(int bigEndian, CStreamIO *stream)
     return ReadU32(raw, bigEndian);
 }
 
-int AlreadySeen(const std::vector<uint32_t> &offsets, uint32_t offset)
+// The offsets of the chain's IFDs read so far, to tell a link that loops.
+struct VisitedIfds {
+    uint32_t offsets[MAX_CHAINED_IFDS];
+    int count = 0;
+
+    int Contains(uint32_t offset) const
+    {
+        for (int i = 0; i < count; i++) {
+            if (offsets[i] == offset) return 1;
+        }
+        return 0;
+    }
+};
+
+// An IFD whose parse stops part way keeps the tags added so far; its count
+// is set to them, so that whoever keeps such a tree can lay it out.
+int32_t FailAfterCount(CNode *countNode)
 {
-    return std::find(offsets.begin(), offsets.end(), offset) != offsets.end();
+    uint32_t tags = 0;
+    for (CNode *node = countNode->m_next; node != nullptr; node = node->m_next) {
+        if (AsTag(node) != nullptr) tags++;
+    }
+    countNode->m_value = tags;
+    return IFD_FAILED;
 }
 
 }  // namespace
@@ -111,13 +131,14 @@ int32_t ParseIfd(int bigEndian, CStreamIO *stream, CDocBuilder *builder)
     if (kept <= 0) return IFD_FAILED;
 
     if (!builder->OnEntryCount(static_cast<uint32_t>(kept))) return IFD_FAILED;
+    CNode *countNode = builder->m_doc->m_cur;
     for (int i = 0; i < kept; i++) {
-        if (!AddTag(entries[i], bigEndian, stream, builder)) return IFD_FAILED;
-        if (!FollowSubIfd(entries[i], bigEndian, stream, builder)) return IFD_FAILED;
+        if (!AddTag(entries[i], bigEndian, stream, builder)) return FailAfterCount(countNode);
+        if (!FollowSubIfd(entries[i], bigEndian, stream, builder)) return FailAfterCount(countNode);
     }
     stream->Seek(0, linkPosition);
     uint32_t link = complete == count ? ReadLink(bigEndian, stream) : 0;
-    if (!builder->OnNextIfd(link)) return IFD_FAILED;
+    if (!builder->OnNextIfd(link)) return FailAfterCount(countNode);
     return static_cast<int32_t>(link);
 }
 
@@ -134,7 +155,9 @@ int ParseTiff(CStreamIO *stream, CDocBuilder *builder)
         return 0;
     }
     builder->m_streamSize = StreamSize(stream);
-    if (builder->m_valueBudget < 0) builder->m_valueBudget = VALUE_BUDGET_FACTOR * builder->m_streamSize + VALUE_BUDGET_EXTRA;
+    if (builder->m_valueBudget < 0) {
+        builder->m_valueBudget = VALUE_BUDGET_FACTOR * builder->m_streamSize + VALUE_BUDGET_EXTRA;
+    }
     if (!builder->OnTiffHeader(header)) return 0;
     unsigned char raw[4];
     if (stream->Read(raw, 4) != 4) return 0;
@@ -145,12 +168,12 @@ int ParseTiff(CStreamIO *stream, CDocBuilder *builder)
     // A link back to an IFD already read, or past the end of the stream, is
     // taken for the end of the chain: cameras leave junk in the last link,
     // and what was read so far is worth keeping.
-    std::vector<uint32_t> visited;
+    VisitedIfds visited;
     for (uint32_t index = 1; offset != 0; index++) {
         if (offset > uint32_t(INT32_MAX)) return 0;
-        if (int64_t(offset) >= builder->m_streamSize || AlreadySeen(visited, offset)) break;
-        if (visited.size() >= size_t(MAX_CHAINED_IFDS)) break;
-        visited.push_back(offset);
+        if (int64_t(offset) >= builder->m_streamSize || visited.Contains(offset)) break;
+        if (visited.count == MAX_CHAINED_IFDS) break;
+        visited.offsets[visited.count++] = offset;
         stream->Seek(0, static_cast<int32_t>(offset));
         if (!builder->OnIfdStart(index)) return 0;
         int32_t next = ParseIfd(bigEndian, stream, builder);

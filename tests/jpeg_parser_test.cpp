@@ -113,6 +113,60 @@ TEST(JpegLoad, EveryExifSegmentIsParsedAndTheLastIsRemembered)
     EXPECT_NE(nullptr, doc->m_exifMarker->m_child);
 }
 
+// The places of an Exif block that hold offsets: the first IFD, an
+// out-of-line value, the Exif IFD pointer and IFD 0's next link.
+enum OffsetField { FIRST_IFD, VALUE, EXIF_POINTER, NEXT_LINK };
+
+struct OutsideOffset {
+    OffsetField field;
+    uint32_t offset;
+    bool loads;
+};
+
+std::vector<uint8_t> BlockWithOffset(OffsetField field, uint32_t offset)
+{
+    auto pick = [&](OffsetField f, uint32_t usual) { return f == field ? offset : usual; };
+    ByteBuilder b(false);
+    b.TiffHeader(pick(FIRST_IFD, 8)).U16(2);
+    b.Entry(270, 2, 8, pick(VALUE, 56)).Entry(34665, 4, 1, pick(EXIF_POINTER, 38)).U32(pick(NEXT_LINK, 0));
+    b.U16(1).EntryRaw(36867, 2, 4, {'2', '0', '0', 0}).U32(0);
+    b.Text("abcdefgh");
+    return b.m_bytes;
+}
+
+class ExifOffsets : public ::testing::TestWithParam<OutsideOffset> {};
+
+// An offset with its top bit set where an IFD is expected fails the load; a
+// chain link past the file ends the chain, and a value past the file reads
+// as zeros. None of them moves the stream in front of the block.
+TEST_P(ExifOffsets, OutsideTheFileAreRefusedOrReadAsNothing)
+{
+    OutsideOffset param = GetParam();
+    DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(BlockWithOffset(param.field, param.offset)), EOI}));
+    ASSERT_EQ(param.loads, doc != nullptr);
+    if (!doc) return;
+    EXPECT_EQ((std::vector<std::string>{"216", "225", "217"}), Chain(doc.get()));
+    if (param.field == FIRST_IFD) {
+        EXPECT_EQ(0, doc->CountIfds());
+        return;
+    }
+    EXPECT_EQ(1, doc->CountIfds());
+    CTag *description = TagsOf(doc->FindIfd(0))[0];
+    ASSERT_EQ(8, description->m_size);
+    const char *expected = param.field == VALUE ? "\0\0\0\0\0\0\0\0" : "abcdefgh";
+    EXPECT_EQ(0, std::memcmp(description->m_data, expected, 8));
+}
+
+INSTANTIATE_TEST_SUITE_P(Places, ExifOffsets,
+                         ::testing::Values(OutsideOffset{FIRST_IFD, 0xFFFFFFF0, false},
+                                           OutsideOffset{FIRST_IFD, 0x7FFFFFF0, true},
+                                           OutsideOffset{VALUE, 0xFFFFFFF0, true},
+                                           OutsideOffset{VALUE, 0x7FFFFFF0, true},
+                                           OutsideOffset{EXIF_POINTER, 0xFFFFFFF0, false},
+                                           OutsideOffset{EXIF_POINTER, 0x7FFFFFF0, false},
+                                           OutsideOffset{NEXT_LINK, 0xFFFFFFF0, false},
+                                           OutsideOffset{NEXT_LINK, 0x7FFFFFF0, true}));
+
 TEST(JpegLoad, ExifBlocksTooShortForAHeaderAreNotParsed)
 {
     for (size_t tiffBytes : {0u, 1u, 7u}) {

@@ -2,6 +2,9 @@
 
 #include <cstring>
 
+#include "load/doc_builder.h"
+#include "load/tiff_parser.h"
+#include "streams/stream.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
 #include "tree/walk.h"
@@ -149,14 +152,56 @@ TEST(TiffLoad, GpsTagsWithStructuralNumbersAreTags)
     EXPECT_EQ(NODE_ENTRY_COUNT, FindNode(gps->m_child, 3)->m_id);
 }
 
-TEST(TiffLoad, FailingSubIfdFailsTheLoad)
+TEST(TiffLoad, AFailingIfdAnywhereFailsTheLoad)
+{
+    ByteBuilder gps(false);
+    gps.TiffHeader(8).U16(1).Entry(34853, 4, 1, 26).U32(0);
+    gps.U16(101);
+    EXPECT_FALSE(LoadBytes(gps.Data()));
+
+    ByteBuilder second(false);
+    second.TiffHeader(8).U16(1).Entry(256, 3, 1, 1).U32(26);
+    second.U16(1).Entry(256, 3, 1, 1).U32(44);
+    second.U16(0);
+    EXPECT_FALSE(LoadBytes(second.Data()));
+
+    EXPECT_FALSE(LoadBytes(OneIfd(false, {{34665, 4, 1, 5000}}).Data()));
+}
+
+// A parse run over a block in memory may fail after some tags went into the
+// tree; the count of that IFD then still matches the tags it holds.
+TEST(TiffLoad, AnIfdCutShortByAFailureCountsTheTagsItKept)
 {
     ByteBuilder b(false);
-    b.TiffHeader(8).U16(1).Entry(34853, 4, 1, 26).U32(0);
+    b.TiffHeader(8).U16(3).Entry(256, 3, 1, 1).Entry(34665, 4, 1, 50).Entry(258, 3, 1, 8).U32(0);
     b.U16(101);
-    EXPECT_FALSE(LoadBytes(b.Data()));
-    ByteBuilder outside = OneIfd(false, {{34665, 4, 1, 5000}});
-    EXPECT_FALSE(LoadBytes(outside.Data()));
+    CExifDoc doc;
+    CStreamIO *block = nullptr;
+    ASSERT_TRUE(CreateMemoryStream(&block, b.m_bytes.data(), int32_t(b.Size())));
+    CDocBuilder builder(&doc);
+    EXPECT_EQ(0, ParseTiff(block, &builder));
+    DeleteStream(block);
+    CNode *ifd = doc.FindIfd(0);
+    ASSERT_NE(nullptr, ifd);
+    EXPECT_EQ(2u, ifd->m_child->m_value);
+    EXPECT_EQ(2u, TagsOf(ifd).size());
+}
+
+TEST(TiffLoad, PointersBackToTheParentDoNotRecurse)
+{
+    // IFD 0 at 8 points at the Exif IFD at 26, which points back at IFD 0
+    // both as its Exif and as its GPS IFD.
+    ByteBuilder b(true);
+    b.TiffHeader(8).U16(1).Entry(34665, 4, 1, 26).U32(0);
+    b.U16(2).Entry(34665, 4, 1, 8).Entry(34853, 4, 1, 8).U32(0);
+    DocPtr doc = LoadBytes(b.Data());
+    ASSERT_TRUE(doc);
+    std::vector<CTag *> exif = TagsOf(TagsOf(doc->FindIfd(0))[0]);
+    ASSERT_EQ(2u, exif.size());
+    EXPECT_EQ(nullptr, exif[0]->m_child);
+    std::vector<CTag *> gps = TagsOf(exif[1]);
+    ASSERT_EQ(1u, gps.size());
+    EXPECT_EQ(nullptr, gps[0]->m_child);
 }
 
 TEST(TiffLoad, LoopingAndBrokenChainsEndQuietly)
@@ -174,6 +219,18 @@ TEST(TiffLoad, LoopingAndBrokenChainsEndQuietly)
     EXPECT_EQ(1, junk->CountIfds());
 
     EXPECT_FALSE(LoadBytes(OneIfd(false, {{256, 3, 1, 1}}, 0x80000010).Data()));
+
+    // A chain without a loop that goes on and on stops at a bound.
+    ByteBuilder longChain(false);
+    longChain.TiffHeader(8);
+    const uint32_t ifdSize = 2 + 12 + 4;
+    for (uint32_t i = 0; i < MAX_CHAINED_IFDS + 10; i++) {
+        longChain.U16(1).Entry(256, 3, 1, i).U32(8 + (i + 1) * ifdSize);
+    }
+    longChain.U32(0);
+    DocPtr bounded = LoadBytes(longChain.Data());
+    ASSERT_TRUE(bounded);
+    EXPECT_EQ(MAX_CHAINED_IFDS, bounded->CountIfds());
 }
 
 TEST(TiffLoad, TruncatedTablesKeepOnlyWholeEntries)
