@@ -205,7 +205,15 @@ INSTANTIATE_TEST_SUITE_P(Arguments, ToolMisused,
                          ::testing::Values(std::vector<std::string>{"dump"},
                                            std::vector<std::string>{"dump", "a.jpg", "b.jpg"},
                                            std::vector<std::string>{"photo.jpg"},
-                                           std::vector<std::string>{"--frobnicate", "x"}));
+                                           std::vector<std::string>{"--frobnicate", "x"},
+                                           std::vector<std::string>{"get", "a.jpg"},
+                                           std::vector<std::string>{"get", "a.jpg", "Make"},
+                                           std::vector<std::string>{"get", "a.jpg", "271", "--ifd"},
+                                           std::vector<std::string>{"set", "a.jpg", "271", "text", "x"},
+                                           std::vector<std::string>{"thumbnail", "show", "a.jpg", "b.jpg"},
+                                           std::vector<std::string>{"audio", "remove", "a.jpg", "b.wav"},
+                                           std::vector<std::string>{"remove-marker", "a.jpg", "0xE2"},
+                                           std::vector<std::string>{"strip", "a.jpg", "b.jpg"}));
 
 TEST(ZexifTool, HelpListsTheCommands)
 {
@@ -213,6 +221,149 @@ TEST(ZexifTool, HelpListsTheCommands)
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(0u, run.out.find("usage: zexif"));
     EXPECT_NE(std::string::npos, run.out.find("  dump FILE"));
+}
+
+// The JPEG segments before the scan, as code and payload.
+std::vector<std::pair<int, std::string>> Segments(const std::vector<uint8_t> &bytes)
+{
+    std::vector<std::pair<int, std::string>> segments;
+    for (size_t at = 2; at + 4 <= bytes.size() && bytes[at] == 0xff && bytes[at + 1] != 0xda;) {
+        const size_t length = bytes[at + 2] << 8 | bytes[at + 3];
+        segments.emplace_back(bytes[at + 1], std::string(bytes.begin() + at + 4, bytes.begin() + at + 2 + length));
+        at += 2 + length;
+    }
+    return segments;
+}
+
+bool HasExifApp1(const std::string &path)
+{
+    for (const auto &segment : Segments(ReadFileBytes(path))) {
+        if (segment.first == 0xe1 && segment.second.compare(0, 6, std::string("Exif\0\0", 6)) == 0) return true;
+    }
+    return false;
+}
+
+class ToolCommands : public ::testing::Test {
+protected:
+    TempDir m_dir;
+    const std::string m_photo = m_dir.Copy(Sample("jpg/Canon_40D.jpg"), "photo.jpg");
+
+    std::string Get(const std::string &path, const std::string &tag)
+    {
+        ToolRun run = RunTool({"get", path, tag});
+        EXPECT_EQ(0, run.status) << run.err;
+        return run.out;
+    }
+};
+
+TEST_F(ToolCommands, GetPrintsTextAndRationals)
+{
+    EXPECT_EQ("Canon\n", Get(m_photo, "271"));
+    EXPECT_EQ("Canon\n", Get(m_photo, "0x10f"));
+    EXPECT_EQ("1/160\n", Get(m_photo, "33434"));
+}
+
+TEST_F(ToolCommands, GetOfAMissingTagFailsWithOneLine)
+{
+    ToolRun run = RunTool({"get", m_photo, "999"});
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(1, LineCount(run.err)) << run.err;
+}
+
+TEST_F(ToolCommands, SetInPlaceIsReadBack)
+{
+    ASSERT_EQ(0, RunTool({"set", m_photo, "271", "ascii", "Zed Optics"}).status);
+    EXPECT_EQ("Zed Optics\n", Get(m_photo, "271"));
+    ASSERT_EQ(0, RunTool({"set", m_photo, "41486", "rational", "4000/3", "--ifd", "0"}).status);
+    EXPECT_EQ("4000/3\n", Get(m_photo, "41486"));
+}
+
+TEST_F(ToolCommands, SetToAnotherFileLeavesTheSource)
+{
+    const std::vector<uint8_t> before = ReadFileBytes(m_photo);
+    const std::string out = m_dir.Path("out.jpg");
+    ToolRun run = RunTool({"set", m_photo, "0x8827", "short", "800", "-o", out});
+    ASSERT_EQ(0, run.status) << run.err;
+    EXPECT_EQ("800\n", Get(out, "34855"));
+    EXPECT_EQ(before, ReadFileBytes(m_photo));
+}
+
+TEST_F(ToolCommands, DeletedTagIsGone)
+{
+    ASSERT_EQ(0, RunTool({"delete", m_photo, "272"}).status);
+    EXPECT_EQ(1, RunTool({"get", m_photo, "272"}).status);
+    EXPECT_EQ("Canon\n", Get(m_photo, "271"));
+}
+
+TEST_F(ToolCommands, InfoGoesOnPastAMissingFile)
+{
+    const std::string plain = m_dir.Copy(ZEXIF_SAMPLE_JPEG, "plain.jpg");
+    ToolRun run = RunTool({"info", m_photo, m_dir.Path("missing.jpg"), plain});
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ(1, LineCount(run.err)) << run.err;
+    EXPECT_NE(std::string::npos, run.err.find("missing.jpg"));
+    for (const std::string &expected : {m_photo + ": JPEG\n  Exif: yes\n  thumbnail: yes\n  audio: no\n  Make: Canon\n",
+                                       std::string("  Orientation: 1\n"), plain + ": JPEG\n  Exif: no\n"}) {
+        EXPECT_NE(std::string::npos, run.out.find(expected)) << expected << " missing from\n" << run.out;
+    }
+}
+
+TEST_F(ToolCommands, ThumbnailExtractWritesAJpeg)
+{
+    const std::string thumbnail = m_dir.Path("thumb.jpg");
+    ASSERT_EQ(0, RunTool({"thumbnail", "extract", m_photo, thumbnail}).status);
+    const std::vector<uint8_t> bytes = ReadFileBytes(thumbnail);
+    ASSERT_GT(bytes.size(), 2u);
+    EXPECT_EQ(0xff, bytes[0]);
+    EXPECT_EQ(0xd8, bytes[1]);
+}
+
+TEST_F(ToolCommands, AudioSetThenExtractGivesTheSameWave)
+{
+    const std::vector<uint8_t> wave = {'R', 'I', 'F', 'F', 40, 0, 0, 0, 'W', 'A', 'V', 'E', 'f', 'm', 't', ' ',
+                                       16, 0, 0, 0, 1, 0, 1, 0, 0x40, 0x1f, 0, 0, 0x40, 0x1f, 0, 0,
+                                       1, 0, 8, 0, 'd', 'a', 't', 'a', 4, 0, 0, 0, 1, 2, 3, 4};
+    const std::string in = m_dir.Write("in.wav", wave), out = m_dir.Path("out.wav");
+    ASSERT_EQ(0, RunTool({"audio", "set", m_photo, in}).status);
+    ASSERT_EQ(0, RunTool({"audio", "extract", m_photo, out}).status);
+    EXPECT_EQ(ReadFileBytes(in), ReadFileBytes(out));
+    ASSERT_EQ(0, RunTool({"audio", "remove", m_photo}).status);
+    EXPECT_EQ(1, RunTool({"audio", "extract", m_photo, out}).status);
+}
+
+TEST_F(ToolCommands, StripRemovesTheExifSegment)
+{
+    ASSERT_TRUE(HasExifApp1(m_photo));
+    const std::string out = m_dir.Path("stripped.jpg");
+    ASSERT_EQ(0, RunTool({"strip", m_photo, "-o", out}).status);
+    EXPECT_FALSE(HasExifApp1(out));
+    EXPECT_EQ(1, RunTool({"get", out, "274"}).status);
+}
+
+TEST_F(ToolCommands, StripCanKeepTheOrientation)
+{
+    const std::string turned = m_dir.Copy(Sample("jpg/orientation/landscape_6.jpg"), "turned.jpg");
+    ASSERT_EQ(0, RunTool({"strip", turned, "--keep-orientation"}).status);
+    EXPECT_EQ("6\n", Get(turned, "274"));
+    EXPECT_EQ(1, RunTool({"get", turned, "271"}).status);
+}
+
+TEST_F(ToolCommands, CopyExifGivesThePlainSampleTheMake)
+{
+    const std::string plain = m_dir.Copy(ZEXIF_SAMPLE_JPEG, "plain.jpg");
+    ToolRun run = RunTool({"copy-exif", m_photo, plain});
+    ASSERT_EQ(0, run.status) << run.err;
+    EXPECT_EQ("Canon\n", Get(plain, "271"));
+    EXPECT_TRUE(HasExifApp1(plain));
+}
+
+TEST_F(ToolCommands, CopyExifRefusesMixedFormats)
+{
+    const std::string tiff = m_dir.Copy(Sample("tiff/Arbitro.tiff"), "image.tiff");
+    ToolRun run = RunTool({"copy-exif", m_photo, tiff});
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ(1, LineCount(run.err)) << run.err;
 }
 
 struct FormatCase {
