@@ -319,6 +319,17 @@ TEST_F(ToolCommands, ThumbnailExtractWritesAJpeg)
     EXPECT_EQ(0xd8, bytes[1]);
 }
 
+TEST_F(ToolCommands, ThumbnailSetIsExtractedAgain)
+{
+    const std::string thumbnail = m_dir.Path("thumb.jpg"), again = m_dir.Path("again.jpg");
+    const std::string plain = m_dir.Copy(ZEXIF_SAMPLE_JPEG, "plain.jpg"), out = m_dir.Path("out.jpg");
+    ASSERT_EQ(0, RunTool({"thumbnail", "extract", m_photo, thumbnail}).status);
+    ASSERT_EQ(0, RunTool({"thumbnail", "set", plain, thumbnail, "-o", out}).status);
+    ASSERT_EQ(0, RunTool({"thumbnail", "extract", out, again}).status);
+    EXPECT_EQ(ReadFileBytes(thumbnail), ReadFileBytes(again));
+    EXPECT_EQ(1, RunTool({"thumbnail", "set", plain, m_photo + ".missing"}).status);
+}
+
 TEST_F(ToolCommands, AudioSetThenExtractGivesTheSameWave)
 {
     const std::vector<uint8_t> wave = {'R', 'I', 'F', 'F', 40, 0, 0, 0, 'W', 'A', 'V', 'E', 'f', 'm', 't', ' ',

@@ -21,10 +21,21 @@ int Extract(const std::string &path, const std::string &out)
     return done ? EXIT_OK : EXIT_FAILED;
 }
 
+// The library takes any bytes as a thumbnail; readers of the file expect a
+// JPEG stream there.
+bool StartsAsJpeg(const std::vector<unsigned char> &bytes)
+{
+    return bytes.size() > 2 && bytes[0] == 0xff && bytes[1] == 0xd8;
+}
+
 int Replace(const std::string &path, const std::string &jpeg, const std::string &out)
 {
     std::vector<unsigned char> bytes;
     if (!ReadFileBytes(jpeg, &bytes)) return EXIT_FAILED;
+    if (!StartsAsJpeg(bytes)) {
+        std::fprintf(stderr, "zexif: %s is not a JPEG file\n", jpeg.c_str());
+        return EXIT_FAILED;
+    }
     return EditAndSave(path, out, [&](CExifDoc *doc) {
         ExifBuffer buffer{bytes.data(), static_cast<uint32_t>(bytes.size())};
         if (bytes.size() <= UINT32_MAX && zExifSetThumbnailData(doc, &buffer) == 0) return true;

@@ -38,7 +38,7 @@ void PrintHelp(FILE *out)
     std::fprintf(out, "usage: zexif [COMMAND ARGUMENTS]\n");
     std::fprintf(out, "Without arguments, dumps the sample image built with the tool.\n");
     for (const Command &command : COMMANDS) {
-        std::fprintf(out, "  %s %-12s %s\n", command.name, command.arguments, command.summary);
+        std::fprintf(out, "  %s %s\n      %s\n", command.name, command.arguments, command.summary);
     }
 }
 
