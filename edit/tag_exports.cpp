@@ -8,7 +8,7 @@
 namespace {
 
 // An IFD entry holds a 16-bit tag number; a larger one would be written as
-// another tag.
+// another tag. Type 0 is no type: a file holding it can't be read back.
 constexpr uint32_t MAX_TAG_NUMBER = 0xFFFF;
 
 }  // namespace
@@ -36,7 +36,7 @@ int zExifDelTag(CExifDoc *doc, uint32_t tag, int ifd)
 
 int zExifSetTag(CExifDoc *doc, uint32_t tag, const ExifTagValue *value, int ifd)
 {
-    if (doc == nullptr || value == nullptr || tag > MAX_TAG_NUMBER) return -1;
+    if (doc == nullptr || value == nullptr || tag > MAX_TAG_NUMBER || value->type == 0) return -1;
     int inExifIfd = IsExifIfdTag(tag);
     if (doc->m_format == FORMAT_TIFF) {
         return inExifIfd ? SetTiffExifTag(doc, tag, value) : SetTiffTag(doc, tag, value, ifd);

@@ -153,7 +153,9 @@ int Decide(CTag *tag, CNode *owner, const BlockSource &source, int depth, const 
     case TAG_STREAM_LENGTH:
         return DecideStreamLength(tag, owner, plan);
     default:
-        if (IsUnmovableOffset(tag->m_id)) return DECIDE_DROP;
+        // A reader stops at an entry of type 0, so writing one would make the
+        // whole file unreadable; no value can be held in it anyway.
+        if (IsUnmovableOffset(tag->m_id) || tag->m_type == 0) return DECIDE_DROP;
         return ValueIsWritable(tag) ? ROLE_VALUE : DECIDE_FAIL;
     }
 }

@@ -269,6 +269,18 @@ TEST(WriterPointers, OffsetsThatCantBeMovedAreDropped)
     EXPECT_EQ(expected.m_bytes, w.bytes);
 }
 
+// An entry of type 0 would make the whole file unreadable to a loader.
+TEST(WriterPointers, EntriesOfTypeZeroAreDropped)
+{
+    auto doc = Tiff({{Short(274, 1), Short(275, 2)}});
+    AsTag(FindNode(doc->m_root, 275))->m_type = 0;
+    Written w = WriteBlock(*doc);
+    ASSERT_TRUE(w.ok);
+    ByteBuilder expected;
+    expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 1).U32(0);
+    EXPECT_EQ(expected.m_bytes, w.bytes);
+}
+
 TEST(WriterLimits, IfdOf101TagsIsWritten)
 {
     IfdSpec many;

@@ -386,6 +386,8 @@ TEST(SetTag, RefusalsChangeNothing)
     EXPECT_EQ(-1, zExifSetTag(doc.get(), 36867, &missing, 0));
     ExifTagValue huge{TIFF_DOUBLE, 0x10000000, value.data};
     EXPECT_EQ(-1, zExifSetTag(doc.get(), 270, &huge, 0));
+    ExifTagValue noType{0, 0, nullptr};
+    EXPECT_EQ(-1, zExifSetTag(doc.get(), 270, &noType, 0));
     doc->m_format = 3;
     EXPECT_EQ(-1, zExifSetTag(doc.get(), 270, &value, 0));
     EXPECT_EQ(before, TreeDump(*doc));
