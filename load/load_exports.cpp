@@ -1,10 +1,10 @@
+#include <cstdint>
 #include <new>
 
 #include "load/doc_builder.h"
 #include "load/jpeg_parser.h"
 #include "load/tiff_parser.h"
 #include "streams/stream.h"
-#include "streams/stream_size.h"
 #include "tree/document.h"
 #include "zexif.h"
 
@@ -20,7 +20,18 @@ int IsTiff(const unsigned char *head)
     return (head[0] == 'I' && head[1] == 'I') || (head[0] == 'M' && head[1] == 'M');
 }
 
-// Offsets in the tree are 32-bit; a larger file can't be described by it.
+// Offsets in the tree are 32-bit, and so is the stream's Tell, which wraps
+// for larger files and can't tell their size: the byte that would lie at the
+// largest offset is looked for instead.
+int IsTooLarge(CStreamIO *stream)
+{
+    unsigned char byte;
+    stream->Seek(0, INT32_MAX);
+    int found = stream->Read(&byte, 1) == 1;
+    stream->Seek(0, 0);
+    return found;
+}
+
 int ParseDocument(CExifDoc *doc)
 {
     CStreamIO *stream = doc->m_stream;
@@ -28,7 +39,7 @@ int ParseDocument(CExifDoc *doc)
     stream->Seek(0, 0);
     uint32_t got = stream->Read(head, 4);
     stream->Seek(0, 0);
-    if (got < 2 || StreamSize(stream) >= INT32_MAX) return 0;
+    if (got < 2 || IsTooLarge(stream)) return 0;
     CDocBuilder builder(doc);
     if (IsJpeg(head)) {
         doc->m_format = FORMAT_JPEG;

@@ -77,6 +77,23 @@ TEST(JpegLoad, ScanDataIsOneRunUpToEoi)
     EXPECT_EQ((std::vector<std::string>{"216:0:0", "218:6:6", "161:12:11", "217:0:0"}), Chain(doc.get(), true));
 }
 
+TEST(JpegLoad, BytesBehindEoiGetANodeOnlyInFrontOfAnotherEoi)
+{
+    std::vector<uint8_t> file = Concat({SOI, Scan({1}), EOI, std::vector<uint8_t>{9, 9}, EOI, std::vector<uint8_t>{7}});
+    DocPtr doc = LoadBytes(file);
+    ASSERT_TRUE(doc);
+    EXPECT_EQ((std::vector<std::string>{"216:0:0", "218:6:6", "161:12:1", "217:0:0", "161:15:2", "217:0:0"}),
+              Chain(doc.get(), true));
+}
+
+// Before the scan a second FF is taken as the code, not as a fill byte.
+TEST(JpegLoad, AnFfInFrontOfACodeIsACode)
+{
+    DocPtr doc = LoadBytes({0xFF, 0xD8, 0xFF, 0xFF, 0x00, 0x04, 'a', 'b', 0xFF, 0xD9});
+    ASSERT_TRUE(doc);
+    EXPECT_EQ((std::vector<std::string>{"216:0:0", "255:6:2", "217:0:0"}), Chain(doc.get(), true));
+}
+
 TEST(JpegLoad, SegmentsAfterTheScanAreDataButApplicationSegmentsStay)
 {
     std::vector<uint8_t> file = Concat({SOI, Scan({7, 7}), JpegSegment(0xDB, {1, 2}), ExifApp1(MinimalTiff(true)),

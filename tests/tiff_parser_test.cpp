@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "load/doc_builder.h"
 #include "load/tiff_parser.h"
 #include "streams/stream.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
+#include "support/temp_dir.h"
 #include "tree/walk.h"
 
 namespace {
@@ -92,6 +94,20 @@ TEST(TiffLoad, HeaderOnlyAndUnrecognisedFiles)
         EXPECT_FALSE(LoadBytes(bytes)) << bytes.size();
     }
     EXPECT_EQ(0, zExifIsExifExist(nullptr));
+}
+
+// Offsets in the tree are 32-bit, and so is a stream's Tell: a file of 2 GiB
+// or more would wrap them. Such a file is refused before its parse starts.
+TEST(TiffLoad, FilesOfTwoGigabytesAndMoreAreRefused)
+{
+    TempDir dir;
+    for (auto head : std::vector<std::vector<uint8_t>>{{0xFF, 0xD8, 0xFF, 0xDA, 0, 2}, {'I', 'I', 42, 0, 8, 0, 0, 0}}) {
+        std::string path = dir.Write("big.bin", head);
+        std::filesystem::resize_file(path, (uint64_t(1) << 32) + 64);
+        EXPECT_EQ(nullptr, zExifLoadFile(path.c_str())) << int(head[0]);
+        std::filesystem::resize_file(path, uint64_t(1) << 31);
+        EXPECT_EQ(nullptr, zExifLoadFile(path.c_str())) << int(head[0]);
+    }
 }
 
 TEST(TiffLoad, TypeZeroFailsAndUnknownTypesAreKept)
