@@ -45,7 +45,9 @@ int AddTag(const IfdEntry &entry, int bigEndian, CStreamIO *stream, CDocBuilder 
 }
 
 // Follows a pointer tag into its sub-IFD once per block, so that a pointer
-// inside the sub-IFD itself can't start an endless descent.
+// inside the sub-IFD itself can't start an endless descent. A pointer past
+// the end of the stream names an IFD that can't be read, which fails like
+// any other sub-IFD that fails.
 int FollowSubIfd(const IfdEntry &entry, int bigEndian, CStreamIO *stream, CDocBuilder *builder)
 {
     int32_t *seen = entry.tag == 34665 ? &builder->m_doc->m_seenExifIfd
