@@ -13,25 +13,15 @@ namespace {
 
 constexpr int32_t TAG_EXIF_IFD = 34665;
 
-CNode *MakeStructural(int32_t id, int32_t kind, uint32_t value)
-{
-    CNode *node = new (std::nothrow) CNode();
-    if (node == nullptr) return nullptr;
-    node->m_id = id;
-    node->m_kind = kind;
-    node->m_value = value;
-    return node;
-}
-
 // Every new chain starts out with a single entry.
 CNode *MakeCount()
 {
-    return MakeStructural(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, 1);
+    return NewStructuralNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, 1);
 }
 
 CNode *MakeLink()
 {
-    return MakeStructural(NODE_NEXT_IFD, KIND_PLAIN, 0);
+    return NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, 0);
 }
 
 CTag *MakeValueTag(uint32_t number, const ExifTagValue *value)

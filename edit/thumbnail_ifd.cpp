@@ -36,16 +36,6 @@ constexpr int IFD0_SIZE = sizeof(IFD0_ENTRIES) / sizeof(IFD0_ENTRIES[0]);
 // The entry count, the tags and the link.
 constexpr int MAX_IFD_NODES = THUMB_IFD_SIZE + 2;
 
-CNode *MakeStructural(int32_t id, int32_t kind, uint32_t value)
-{
-    CNode *node = new (std::nothrow) CNode();
-    if (node == nullptr) return nullptr;
-    node->m_id = id;
-    node->m_kind = kind;
-    node->m_value = value;
-    return node;
-}
-
 CTag *MakeEntry(const FixedEntry &entry)
 {
     CTag *tag = new (std::nothrow) CTag();
@@ -64,8 +54,8 @@ CTag *MakeEntry(const FixedEntry &entry)
 // The node at position i of an IFD's chain of count entries.
 CNode *MakeChainNode(const FixedEntry *entries, int count, int i)
 {
-    if (i == 0) return MakeStructural(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, static_cast<uint32_t>(count));
-    if (i == count + 1) return MakeStructural(NODE_NEXT_IFD, KIND_PLAIN, 0);
+    if (i == 0) return NewStructuralNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, static_cast<uint32_t>(count));
+    if (i == count + 1) return NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, 0);
     return MakeEntry(entries[i - 1]);
 }
 
@@ -118,12 +108,12 @@ int BuildIfd0(CExifDoc *doc, CNode *node)
 
 CNode *MakeEmptyIfd(uint32_t index)
 {
-    CNode *ifd = MakeStructural(NODE_IFD, KIND_PLAIN, index);
+    CNode *ifd = NewStructuralNode(NODE_IFD, KIND_PLAIN, index);
     if (ifd != nullptr) ifd->m_hasChild = 1;
     return ifd;
 }
 
 CNode *MakeTiffHeaderNode()
 {
-    return MakeStructural(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0);
+    return NewStructuralNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0);
 }

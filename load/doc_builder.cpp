@@ -9,16 +9,6 @@
 
 namespace {
 
-CNode *NewNode(int32_t id, int32_t kind, uint32_t value)
-{
-    CNode *node = new (std::nothrow) CNode;
-    if (node == nullptr) return nullptr;
-    node->m_id = id;
-    node->m_kind = kind;
-    node->m_value = value;
-    return node;
-}
-
 char *CopySignature(const unsigned char *signature)
 {
     char *sig = static_cast<char *>(std::calloc(8, 1));
@@ -46,7 +36,7 @@ int CDocBuilder::OnMarker(int32_t id, int32_t size, int32_t offset, const unsign
 
 int CDocBuilder::OnTiffHeader(const unsigned char *bytes)
 {
-    CNode *header = NewNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, bytes[0] == 'M' ? 1 : 0);
+    CNode *header = NewStructuralNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, bytes[0] == 'M' ? 1 : 0);
     if (header == nullptr) return 0;
     m_doc->AddChild(header);
     m_doc->m_bigEndian = static_cast<int32_t>(header->m_value);
@@ -55,7 +45,7 @@ int CDocBuilder::OnTiffHeader(const unsigned char *bytes)
 
 int CDocBuilder::OnIfdStart(uint32_t index)
 {
-    CNode *ifd = NewNode(NODE_IFD, KIND_PLAIN, index - 1);
+    CNode *ifd = NewStructuralNode(NODE_IFD, KIND_PLAIN, index - 1);
     if (ifd == nullptr) return 0;
     ifd->m_hasChild = 1;
     m_doc->AddSibling(ifd);
@@ -64,7 +54,7 @@ int CDocBuilder::OnIfdStart(uint32_t index)
 
 int CDocBuilder::OnEntryCount(uint32_t count)
 {
-    CNode *node = NewNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, count);
+    CNode *node = NewStructuralNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, count);
     if (node == nullptr) return 0;
     m_doc->AddChild(node);
     return 1;
@@ -100,7 +90,7 @@ int CDocBuilder::OnTagData(const IfdEntry &entry, const unsigned char *bytes)
 
 int CDocBuilder::OnNextIfd(uint32_t offset)
 {
-    CNode *link = NewNode(NODE_NEXT_IFD, KIND_PLAIN, offset);
+    CNode *link = NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, offset);
     if (link == nullptr) return 0;
     m_doc->AddSibling(link);
     if (link->m_parent != nullptr) return m_doc->MoveTo(link->m_parent);

@@ -17,6 +17,16 @@ CNode::~CNode()
     DeleteTree(next);
 }
 
+CNode *NewStructuralNode(int32_t id, int32_t kind, uint32_t value)
+{
+    CNode *node = new (std::nothrow) CNode;
+    if (node == nullptr) return nullptr;
+    node->m_id = id;
+    node->m_kind = kind;
+    node->m_value = value;
+    return node;
+}
+
 // Treats m_child as the left and m_next as the right link of a binary tree and
 // rotates left subtrees into the right spine, so every node is deleted with
 // both links already cleared and no stack grows.

@@ -96,6 +96,9 @@ public:
     int32_t m_audioChunk = 0;
 };
 
+// A new plain node with its id, kind and value; null when out of memory.
+CNode *NewStructuralNode(int32_t id, int32_t kind, uint32_t value);
+
 // Deletes a node with its children and later siblings without recursion, so
 // that chains of any length can't exhaust the stack.
 void DeleteTree(CNode *node);
