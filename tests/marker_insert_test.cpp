@@ -107,8 +107,8 @@ class ThumbnailTags : public ::testing::TestWithParam<Lie> {};
 TEST_P(ThumbnailTags, CopyOnlyFromInsideThePayload)
 {
     std::vector<uint8_t> thumb = FakeThumbnail(100);
-    ExifBlockSpec spec{false, thumb, GetParam().offset, GetParam().length, GetParam().withLength};
-    Payload payload(ExifPayload(ExifBlock(spec)));
+    ExifBlockDef def{false, thumb, GetParam().offset, GetParam().length, GetParam().withLength};
+    Payload payload(ExifPayload(ExifBlock(def)));
     MemoryJpeg jpeg;
     auto doc = jpeg.Load();
     ASSERT_EQ(0, payload.InsertInto(doc.get()));

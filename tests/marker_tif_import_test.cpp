@@ -20,12 +20,12 @@ struct ListItem {
 TifTagList *MakeList(const std::vector<ListItem> &items)
 {
     TifTagList *list = AllocTifTagList(int32_t(items.size()));
-    for (const ListItem &spec : items) {
-        TifTagItem *item = AllocTifTagItem(uint32_t(spec.data.size()));
-        item->tag = spec.tag;
-        item->type = spec.type;
-        item->count = spec.count;
-        if (!spec.data.empty()) std::memcpy(item->data, spec.data.data(), spec.data.size());
+    for (const ListItem &def : items) {
+        TifTagItem *item = AllocTifTagItem(uint32_t(def.data.size()));
+        item->tag = def.tag;
+        item->type = def.type;
+        item->count = def.count;
+        if (!def.data.empty()) std::memcpy(item->data, def.data.data(), def.data.size());
         AddTifTagItem(list, item);
     }
     return list;

@@ -19,9 +19,9 @@ namespace {
 
 using Edit = std::function<void(CExifDoc *)>;
 
-std::vector<uint8_t> ExifSegment(const ExifBlockSpec &spec = {})
+std::vector<uint8_t> ExifSegment(const ExifBlockDef &def = {})
 {
-    return JpegSegment(0xE1, ExifPayload(ExifBlock(spec)));
+    return JpegSegment(0xE1, ExifPayload(ExifBlock(def)));
 }
 
 std::vector<uint8_t> XmpSegment()
@@ -98,9 +98,9 @@ TEST_F(JpegSave, ExifSegmentIsRebuiltInPlace)
 
 TEST_F(JpegSave, BigEndianExifComesOutLittleEndianWithTheSameValues)
 {
-    ExifBlockSpec spec;
-    spec.bigEndian = true;
-    std::vector<uint8_t> out = Save(JpegFile({ExifSegment(spec)}));
+    ExifBlockDef def;
+    def.bigEndian = true;
+    std::vector<uint8_t> out = Save(JpegFile({ExifSegment(def)}));
     std::vector<uint8_t> block = TiffBlockOfSaved(out);
     ASSERT_GE(block.size(), 8u);
     EXPECT_EQ('I', block[0]);
@@ -148,9 +148,9 @@ TEST_F(JpegSave, ForeignApp1InFrontStaysByteIdentical)
 TEST_F(JpegSave, JpegThumbnailIsCarriedAndStillServedAfterTheSave)
 {
     std::vector<uint8_t> thumb = ThumbnailJpeg(600);
-    ExifBlockSpec spec;
-    spec.thumbnail = thumb;
-    dir.Write("source.jpg", JpegFile({ExifSegment(spec)}));
+    ExifBlockDef def;
+    def.thumbnail = thumb;
+    dir.Write("source.jpg", JpegFile({ExifSegment(def)}));
     DocPtr doc(zExifLoadFile(source.c_str()));
     ASSERT_TRUE(doc);
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
@@ -171,10 +171,10 @@ TEST_F(JpegSave, JpegThumbnailIsCarriedAndStillServedAfterTheSave)
 // two tags are left out instead of naming bytes of the new block.
 TEST_F(JpegSave, ThumbnailOutsideItsSegmentIsLeftOut)
 {
-    ExifBlockSpec spec;
-    spec.thumbnail = ThumbnailJpeg(100);
-    spec.thumbOffset = 60000;
-    Save(JpegFile({ExifSegment(spec)}));
+    ExifBlockDef def;
+    def.thumbnail = ThumbnailJpeg(100);
+    def.thumbOffset = 60000;
+    Save(JpegFile({ExifSegment(def)}));
     DocPtr back(zExifLoadFile(target.c_str()));
     ASSERT_TRUE(back);
     EXPECT_EQ(0, zExifIsThumbnailExist(back.get()));
@@ -253,9 +253,9 @@ TEST_F(JpegSave, EmptyAudioFileGetsAHeadSegmentOfNoData)
 // source and writes the same file.
 TEST_F(JpegSave, SecondSaveOfAJpegWritesTheSameFile)
 {
-    ExifBlockSpec spec;
-    spec.thumbnail = ThumbnailJpeg(300);
-    dir.Write("source.jpg", JpegFile({ExifSegment(spec), JpegSegment(0xE2, IccPayload(100))}));
+    ExifBlockDef def;
+    def.thumbnail = ThumbnailJpeg(300);
+    dir.Write("source.jpg", JpegFile({ExifSegment(def), JpegSegment(0xE2, IccPayload(100))}));
     DocPtr doc(zExifLoadFile(source.c_str()));
     ASSERT_TRUE(doc);
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));

@@ -41,7 +41,7 @@ struct Source {
     }
 };
 
-EntrySpec Numbers(int32_t tag, uint32_t type, const std::vector<uint32_t> &values)
+EntryDef Numbers(int32_t tag, uint32_t type, const std::vector<uint32_t> &values)
 {
     ByteBuilder b;
     for (uint32_t v : values) type == TIFF_SHORT ? b.U16(uint16_t(v)) : b.U32(v);

@@ -52,12 +52,12 @@ uint16_t U16At(const std::vector<uint8_t> &bytes, size_t pos)
     return uint16_t(bytes[pos] | bytes[pos + 1] << 8);
 }
 
-std::unique_ptr<CExifDoc> Tiff(const std::vector<IfdSpec> &ifds)
+std::unique_ptr<CExifDoc> Tiff(const std::vector<IfdDef> &ifds)
 {
     return TreeBuilder(FORMAT_TIFF).TiffBlock(ifds).Take();
 }
 
-EntrySpec Raw(int32_t tag, uint32_t type, uint32_t count, const std::vector<uint8_t> &bytes)
+EntryDef Raw(int32_t tag, uint32_t type, uint32_t count, const std::vector<uint8_t> &bytes)
 {
     return {tag, type, count, bytes, {}};
 }
@@ -154,7 +154,7 @@ TEST(WriterLayout, UnknownTypeKeepsItsSlotWhateverItsCount)
 // entry goes missing and the table has no hole.
 TEST(WriterLayout, TagsNumberedLikeStructuralNodesAreWritten)
 {
-    IfdSpec gps = {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)};
+    IfdDef gps = {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)};
     auto doc = Tiff({{Short(60, 5), Short(70, 7), Pointer(34853, gps)}});
     Written w = WriteBlock(*doc);
     ASSERT_TRUE(w.ok);
@@ -283,7 +283,7 @@ TEST(WriterPointers, EntriesOfTypeZeroAreDropped)
 
 TEST(WriterLimits, IfdOf101TagsIsWritten)
 {
-    IfdSpec many;
+    IfdDef many;
     for (int i = 0; i < 101; i++) many.push_back(Short(1000 + i, uint16_t(i)));
     auto doc = Tiff({many});
     Written w = WriteBlock(*doc);

@@ -64,7 +64,7 @@ class RefusedAllocation : public ::testing::TestWithParam<AllocCase> {};
 // document stays as it was, until enough memory lets it through.
 TEST_P(RefusedAllocation, LeavesTheDocumentAsItWas)
 {
-    EntrySpec entry = Rational(GetParam().tag, 1, 3);
+    EntryDef entry = Rational(GetParam().tag, 1, 3);
     ExifTagValue value = ValueOf(entry);
     for (int refuse = 0;; refuse++) {
         auto doc = GetParam().make();

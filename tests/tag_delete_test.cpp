@@ -70,7 +70,7 @@ TEST(DeleteCascade, DeletedExifTagsDontComeBack)
     ASSERT_EQ(0, zExifDelTag(doc.get(), 36867, 0));
     EXPECT_EQ(-1, Has(doc.get(), 36867, 0));
     EXPECT_EQ(-1, zExifDelTag(doc.get(), 36867, 0));
-    EntrySpec date = Ascii(36868, "2021:01:01 00:00:00");
+    EntryDef date = Ascii(36868, "2021:01:01 00:00:00");
     ExifTagValue value = ValueOf(date);
     ASSERT_EQ(0, zExifSetTag(doc.get(), 36868, &value, 0));
     EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:2 271 34665[3:1 36868 60] 60]]"), Outline(*doc));
@@ -85,7 +85,7 @@ TEST(DeleteCascade, EmptiedIfdGoesButNotTheApp1)
     auto doc = JpegDoc({{Ascii(271, "Cam")}});
     ASSERT_EQ(0, zExifDelTag(doc.get(), 271, 0));
     EXPECT_EQ(JpegShape("225'Exif'[1]"), Outline(*doc));
-    EntrySpec model = Ascii(272, "M");
+    EntryDef model = Ascii(272, "M");
     ExifTagValue value = ValueOf(model);
     ASSERT_EQ(0, zExifSetTag(doc.get(), 272, &value, 0));
     EXPECT_EQ(JpegShape("225'Exif'[1 2:0[3:1 272 60]]"), Outline(*doc));

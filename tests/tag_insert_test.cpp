@@ -13,7 +13,7 @@ namespace {
 const char *const kJfif = "216 224'JFIF' ";
 const char *const kTail = " 219 218 161 217";
 
-int Set(CExifDoc *doc, const EntrySpec &entry, int ifd)
+int Set(CExifDoc *doc, const EntryDef &entry, int ifd)
 {
     ExifTagValue value = ValueOf(entry);
     return zExifSetTag(doc, uint32_t(entry.tag), &value, ifd);
@@ -35,8 +35,8 @@ void ExpectSound(const CExifDoc &doc, bool sorted = true)
     EXPECT_EQ("", TreeFaults(doc, sorted));
 }
 
-const EntrySpec kDate = Ascii(36867, "2020:01:02 03:04:05");
-const EntrySpec kDescription = Ascii(270, "A view");
+const EntryDef kDate = Ascii(36867, "2020:01:02 03:04:05");
+const EntryDef kDescription = Ascii(270, "A view");
 
 // A JPEG without APP1 gets one behind APP0, else behind SOI, that opens with
 // IFD 0 whatever index was named.
@@ -84,7 +84,7 @@ TEST(NewApp1, GoesBehindSoiWithoutApp0AndNowhereWithoutEither)
 // is made in front of it, where the save looks first.
 TEST(NewApp1, StandsInFrontOfAnXmpApp1)
 {
-    for (const EntrySpec &entry : {kDate, kDescription}) {
+    for (const EntryDef &entry : {kDate, kDescription}) {
         auto doc = TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xE0, "JFIF").Marker(0xE1, "http").Marker(0xD9).Take();
         ASSERT_EQ(0, Set(doc.get(), entry, 0));
         std::string shape = Outline(*doc);
@@ -114,7 +114,7 @@ TEST(BlockPlace, TheExifApp1BehindAnXmpApp1)
 // An Exif APP1 whose block never made a tree receives the new block.
 TEST(BlockPlace, AnExifApp1WithoutATree)
 {
-    for (const EntrySpec &entry : {kDate, kDescription}) {
+    for (const EntryDef &entry : {kDate, kDescription}) {
         auto doc = TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xE1, "Exif").Marker(0xD9).Take();
         doc->m_exifMarker = static_cast<CMarker *>(doc->m_root->m_next);
         ASSERT_EQ(0, Set(doc.get(), entry, 0));
@@ -165,7 +165,7 @@ TEST(NewIfd, Ifd0ComesBackInFrontOfIfd1)
 TEST(NewExifIfd, Ifd0WithoutExifIfdInEitherFormat)
 {
     for (int format : {FORMAT_JPEG, FORMAT_TIFF}) {
-        std::vector<IfdSpec> ifds = {{Ascii(271, "Cam"), Pointer(34853, {Ascii(1, "N")})}};
+        std::vector<IfdDef> ifds = {{Ascii(271, "Cam"), Pointer(34853, {Ascii(1, "N")})}};
         auto doc = format == FORMAT_JPEG ? JpegDoc(ifds) : TiffDoc(ifds);
         ASSERT_EQ(0, Set(doc.get(), Short(41728, 3), 0));
         std::string ifd0 = "2:0[3:3 271 34665[3:1 41728 60] 34853[3:1 1 60] 60]";
@@ -206,7 +206,7 @@ TEST(NewExifIfd, Ifd0WithTheThumbnailMovesUp)
 TEST(NewExifIfd, BelowAChildlessPointerInEitherFormat)
 {
     for (int format : {FORMAT_JPEG, FORMAT_TIFF}) {
-        std::vector<IfdSpec> ifds = {{Ascii(271, "Cam"), Pointer(34665, {})}};
+        std::vector<IfdDef> ifds = {{Ascii(271, "Cam"), Pointer(34665, {})}};
         auto doc = format == FORMAT_JPEG ? JpegDoc(ifds) : TiffDoc(ifds);
         ASSERT_EQ(0, Set(doc.get(), kDate, 0));
         EXPECT_NE(std::string::npos, Outline(*doc).find("2:0[3:2 271 34665[3:1 36867 60] 60]"));
@@ -274,7 +274,7 @@ TEST(Replace, ThumbnailOffsetKeepsTheThumbnailBytes)
 
 struct SortCase {
     const char *name;
-    IfdSpec ifd;
+    IfdDef ifd;
     int32_t tag;
     const char *shape;
 };
@@ -357,7 +357,7 @@ TEST(ExifTable, OrientationInFrontOfThePointerStays)
 TEST(SetTag, UnknownTypeGoesInWithoutValue)
 {
     auto doc = JpegDoc({{Short(256, 1)}});
-    ASSERT_EQ(0, Set(doc.get(), EntrySpec{700, 99, 2, {1, 2, 3, 4}, {}}, 0));
+    ASSERT_EQ(0, Set(doc.get(), EntryDef{700, 99, 2, {1, 2, 3, 4}, {}}, 0));
     CTag *tag = AsTag(FindNode(doc->m_root, 700));
     EXPECT_EQ(99u, tag->m_type);
     EXPECT_EQ(2, tag->m_count);

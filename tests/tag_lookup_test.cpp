@@ -38,7 +38,7 @@ const std::vector<uint8_t> kGpsVersion = {2, 2, 0, 0};
 
 // IFD 0: Make, Orientation, the Exif IFD, the GPS IFD with tags 0 to 3; IFD 1:
 // the thumbnail's tags and a tag that IFD 0 lacks.
-std::vector<IfdSpec> CameraIfds()
+std::vector<IfdDef> CameraIfds()
 {
     return {
         {Ascii(271, "Cam"), Short(274, 6),
@@ -128,9 +128,9 @@ TEST(GetTag, StructuralNumbersInATiffTree)
     auto bare = TiffDoc({{Short(256, 8)}});
     for (uint32_t number : {1u, 2u, 3u, 60u}) EXPECT_EQ(-1, Get(bare.get(), number, 0).result) << number;
 
-    IfdSpec entries = {Short(1, 11), Short(60, 12), Short(70, 13), Short(80, 14)};
+    IfdDef entries = {Short(1, 11), Short(60, 12), Short(70, 13), Short(80, 14)};
     auto doc = TiffDoc({entries});
-    for (const EntrySpec &entry : entries) {
+    for (const EntryDef &entry : entries) {
         Got got = Get(doc.get(), uint32_t(entry.tag), 0);
         ASSERT_EQ(0, got.result) << entry.tag;
         EXPECT_EQ(entry.bytes, got.bytes) << entry.tag;
@@ -139,7 +139,7 @@ TEST(GetTag, StructuralNumbersInATiffTree)
 
 struct ValueCase {
     const char *name;
-    EntrySpec entry;
+    EntryDef entry;
 };
 
 void PrintTo(const ValueCase &c, std::ostream *os)
@@ -153,7 +153,7 @@ class ValueClass : public ::testing::TestWithParam<ValueCase> {};
 // bytes in host order and owns them.
 TEST_P(ValueClass, ComesBackAsStored)
 {
-    EntrySpec entry = GetParam().entry;
+    EntryDef entry = GetParam().entry;
     auto doc = TiffDoc({{entry}});
     Got got = Get(doc.get(), uint32_t(entry.tag), 0);
     ASSERT_EQ(0, got.result);
@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(GetTag, UnknownTypeGivesTypeAndCountAndLeavesTheData)
 {
-    auto doc = TiffDoc({{EntrySpec{700, 99, 2, {1, 2, 3, 4}, {}}}});
+    auto doc = TiffDoc({{EntryDef{700, 99, 2, {1, 2, 3, 4}, {}}}});
     int sentinel = 0;
     ExifTagValue value{0, 0, &sentinel};
     ASSERT_EQ(0, zExifGetTag(doc.get(), 700, &value, 0));
@@ -183,7 +183,7 @@ TEST(GetTag, UnknownTypeGivesTypeAndCountAndLeavesTheData)
 
 TEST(GetTag, ValueOfNoBytesIsNull)
 {
-    auto doc = TiffDoc({{EntrySpec{270, TIFF_ASCII, 0, {}, {}}, EntrySpec{282, TIFF_RATIONAL, 0, {}, {}}}});
+    auto doc = TiffDoc({{EntryDef{270, TIFF_ASCII, 0, {}, {}}, EntryDef{282, TIFF_RATIONAL, 0, {}, {}}}});
     for (uint32_t number : {270u, 282u}) {
         int sentinel = 0;
         ExifTagValue value{0, 0, &sentinel};

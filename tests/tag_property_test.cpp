@@ -28,10 +28,10 @@ enum DocKind { JPEG_BARE, JPEG_CAMERA, TIFF_CAMERA, TIFF_TWO_IFDS };
 
 std::unique_ptr<CExifDoc> MakeDoc(DocKind kind)
 {
-    IfdSpec ifd0 = {Ascii(271, "Cam"), Short(274, 1),
+    IfdDef ifd0 = {Ascii(271, "Cam"), Short(274, 1),
                     Pointer(34665, {Rational(33434, 1, 250), Ascii(36867, "2020:01:02 03:04:05")}),
                     Pointer(34853, {Bytes(0, TIFF_BYTE, {2, 2, 0, 0}), Ascii(1, "N"), Rational(2, 48, 1)})};
-    IfdSpec ifd1 = {Short(259, 6), Long(513, 0), Long(514, 0)};
+    IfdDef ifd1 = {Short(259, 6), Long(513, 0), Long(514, 0)};
     switch (kind) {
     case JPEG_BARE:
         return JpegDoc({});
@@ -49,7 +49,7 @@ struct Step {
     bool set;
     uint32_t tag;
     int ifd;
-    EntrySpec entry;
+    EntryDef entry;
 };
 
 // Phases that mostly set alternate with phases that mostly delete, so that
@@ -64,7 +64,7 @@ Step RandomStep(std::mt19937 &rng, int index)
     int size = TiffTypeSize(type);
     std::vector<uint8_t> bytes(size_t(count) * size_t(size == 0 ? 1 : size));
     for (uint8_t &byte : bytes) byte = uint8_t(rng());
-    step.entry = EntrySpec{int32_t(step.tag), type, count, bytes, {}};
+    step.entry = EntryDef{int32_t(step.tag), type, count, bytes, {}};
     return step;
 }
 

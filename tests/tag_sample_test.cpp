@@ -176,8 +176,8 @@ TEST_P(SampleEdits, KeepTheTreeWhole)
 {
     LoadedSample sample(GetParam());
     ASSERT_NE(nullptr, sample.doc);
-    EntrySpec description = Ascii(270, "edited");
-    EntrySpec exposure = Rational(33434, 1, 2);
+    EntryDef description = Ascii(270, "edited");
+    EntryDef exposure = Rational(33434, 1, 2);
     ExifTagValue value = ValueOf(description);
     ASSERT_EQ(0, zExifSetTag(sample.doc, 270, &value, 0));
     value = ValueOf(exposure);
@@ -208,7 +208,7 @@ TEST_P(SampleEdits, DeletedExifIfdStaysDeleted)
     EXPECT_EQ(-1, Get(sample.doc, 33434, 0).result);
     EXPECT_EQ(0, Get(sample.doc, 271, 0).result);
 
-    EntrySpec date = Ascii(36867, "2030:01:01 00:00:00");
+    EntryDef date = Ascii(36867, "2030:01:01 00:00:00");
     ExifTagValue value = ValueOf(date);
     ASSERT_EQ(0, zExifSetTag(sample.doc, 36867, &value, 0));
     EXPECT_EQ(date.bytes, Get(sample.doc, 36867, 0).bytes);

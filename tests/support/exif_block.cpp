@@ -14,14 +14,14 @@ constexpr uint32_t kThumbDataOffset = kIfd1Offset + 42;
 
 }  // namespace
 
-std::vector<uint8_t> ExifBlock(const ExifBlockSpec &spec)
+std::vector<uint8_t> ExifBlock(const ExifBlockDef &def)
 {
-    const bool withThumb = !spec.thumbnail.empty();
-    ByteBuilder b(spec.bigEndian);
+    const bool withThumb = !def.thumbnail.empty();
+    ByteBuilder b(def.bigEndian);
     b.TiffHeader(8);
     b.U16(3);
     b.EntryRaw(271, 2, 4, {'C', 'a', 'm', 0});
-    b.Entry(274, 3, 1, spec.bigEndian ? 6u << 16 : 6u);
+    b.Entry(274, 3, 1, def.bigEndian ? 6u << 16 : 6u);
     b.Entry(34665, 4, 1, kExifIfdOffset);
     b.U32(withThumb ? kIfd1Offset : 0);
     b.U16(1);
@@ -29,16 +29,16 @@ std::vector<uint8_t> ExifBlock(const ExifBlockSpec &spec)
     b.U32(0);
     b.Bytes(std::vector<uint8_t>(kBlockDate, kBlockDate + 20));
     if (!withThumb) return b.m_bytes;
-    b.U16(spec.withLength ? 3 : 2);
-    b.Entry(259, 3, 1, spec.bigEndian ? 6u << 16 : 6u);
-    b.Entry(513, 4, 1, spec.thumbOffset < 0 ? kThumbDataOffset : uint32_t(spec.thumbOffset));
-    if (spec.withLength) {
-        b.Entry(514, 4, 1, spec.thumbLength < 0 ? uint32_t(spec.thumbnail.size()) : uint32_t(spec.thumbLength));
+    b.U16(def.withLength ? 3 : 2);
+    b.Entry(259, 3, 1, def.bigEndian ? 6u << 16 : 6u);
+    b.Entry(513, 4, 1, def.thumbOffset < 0 ? kThumbDataOffset : uint32_t(def.thumbOffset));
+    if (def.withLength) {
+        b.Entry(514, 4, 1, def.thumbLength < 0 ? uint32_t(def.thumbnail.size()) : uint32_t(def.thumbLength));
     } else {
         b.U32(0).U32(0).U32(0);
     }
     b.U32(0);
-    b.Bytes(spec.thumbnail);
+    b.Bytes(def.thumbnail);
     return b.m_bytes;
 }
 

@@ -9,7 +9,7 @@
 // DateTimeOriginal (36867, 20 bytes out of line); and, for a non-empty
 // thumbnail, IFD 1 with Compression 6 and tags 513 and 514, the thumbnail's
 // bytes last. The two tags can be made to lie.
-struct ExifBlockSpec {
+struct ExifBlockDef {
     bool bigEndian = false;
     std::vector<uint8_t> thumbnail;
     int64_t thumbOffset = -1;  // -1: where the bytes are
@@ -20,7 +20,7 @@ struct ExifBlockSpec {
 constexpr uint32_t kBlockDateOffset = 68;
 extern const char kBlockDate[21];
 
-std::vector<uint8_t> ExifBlock(const ExifBlockSpec &spec);
+std::vector<uint8_t> ExifBlock(const ExifBlockDef &def);
 // "Exif", two NULs, then the block: the payload of an Exif APP1.
 std::vector<uint8_t> ExifPayload(const std::vector<uint8_t> &block);
 

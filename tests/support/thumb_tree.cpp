@@ -60,12 +60,12 @@ CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector
         ifd->m_hasChild = 1;
         doc.AddSibling(ifd);
         doc.AddChild(Plain(NODE_ENTRY_COUNT, 1, uint32_t(tags.size())));
-        for (const HandTag &spec : tags) {
+        for (const HandTag &def : tags) {
             CTag *tag = new CTag;
-            tag->m_id = spec.tag;
-            tag->m_type = spec.type;
-            tag->m_count = spec.count;
-            tag->m_value = spec.value;
+            tag->m_id = def.tag;
+            tag->m_type = def.type;
+            tag->m_count = def.count;
+            tag->m_value = def.value;
             doc.AddSibling(tag);
             Register(doc, tag);
         }

@@ -16,17 +16,17 @@ CNode *Plain(int32_t id, int32_t kind, uint32_t value)
     return node;
 }
 
-CTag *MakeTag(const EntrySpec &spec)
+CTag *MakeTag(const EntryDef &def)
 {
     CTag *tag = new CTag;
-    tag->m_id = spec.tag;
-    tag->m_type = spec.type;
-    tag->m_count = int32_t(spec.count);
-    if (spec.bytes.empty()) return tag;
-    if (ValueFitsEntry(spec.type, spec.count) || TiffTypeSize(spec.type) == 0) {
-        std::memcpy(&tag->m_value, spec.bytes.data(), std::min<size_t>(spec.bytes.size(), 4));
+    tag->m_id = def.tag;
+    tag->m_type = def.type;
+    tag->m_count = int32_t(def.count);
+    if (def.bytes.empty()) return tag;
+    if (ValueFitsEntry(def.type, def.count) || TiffTypeSize(def.type) == 0) {
+        std::memcpy(&tag->m_value, def.bytes.data(), std::min<size_t>(def.bytes.size(), 4));
     } else {
-        tag->SetData(spec.bytes.data(), int32_t(spec.bytes.size()));
+        tag->SetData(def.bytes.data(), int32_t(def.bytes.size()));
     }
     return tag;
 }
@@ -54,45 +54,45 @@ std::vector<uint8_t> BytesOf(const T &value)
 
 }  // namespace
 
-EntrySpec Short(int32_t tag, uint16_t value)
+EntryDef Short(int32_t tag, uint16_t value)
 {
     return {tag, TIFF_SHORT, 1, BytesOf(value), {}};
 }
 
-EntrySpec Long(int32_t tag, uint32_t value)
+EntryDef Long(int32_t tag, uint32_t value)
 {
     return {tag, TIFF_LONG, 1, BytesOf(value), {}};
 }
 
-EntrySpec Ascii(int32_t tag, const std::string &text)
+EntryDef Ascii(int32_t tag, const std::string &text)
 {
     std::vector<uint8_t> bytes(text.begin(), text.end());
     bytes.push_back(0);
     return {tag, TIFF_ASCII, uint32_t(bytes.size()), bytes, {}};
 }
 
-EntrySpec Rational(int32_t tag, uint32_t numerator, uint32_t denominator)
+EntryDef Rational(int32_t tag, uint32_t numerator, uint32_t denominator)
 {
     uint32_t halves[2] = {numerator, denominator};
     return {tag, TIFF_RATIONAL, 1, BytesOf(halves), {}};
 }
 
-EntrySpec Bytes(int32_t tag, uint32_t type, const std::vector<uint8_t> &bytes)
+EntryDef Bytes(int32_t tag, uint32_t type, const std::vector<uint8_t> &bytes)
 {
     int size = TiffTypeSize(type);
     return {tag, type, uint32_t(bytes.size() / (size == 0 ? 1 : size)), bytes, {}};
 }
 
-EntrySpec Pointer(int32_t tag, const IfdSpec &sub)
+EntryDef Pointer(int32_t tag, const IfdDef &sub)
 {
-    EntrySpec spec = Long(tag, 0);
-    spec.sub = sub;
-    return spec;
+    EntryDef def = Long(tag, 0);
+    def.sub = sub;
+    return def;
 }
 
-ExifTagValue ValueOf(const EntrySpec &spec)
+ExifTagValue ValueOf(const EntryDef &def)
 {
-    return {spec.type, spec.count, const_cast<uint8_t *>(spec.bytes.data())};
+    return {def.type, def.count, const_cast<uint8_t *>(def.bytes.data())};
 }
 
 TreeBuilder::TreeBuilder(int32_t format) : m_doc(std::make_unique<CExifDoc>())
@@ -115,7 +115,7 @@ TreeBuilder &TreeBuilder::Marker(int32_t code, const std::string &signature)
     return *this;
 }
 
-TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdSpec> &ifds)
+TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdDef> &ifds)
 {
     Marker(0xE1, "Exif");
     CNode *marker = m_doc->m_cur;
@@ -126,7 +126,7 @@ TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdSpec> &ifds)
     return *this;
 }
 
-TreeBuilder &TreeBuilder::TiffBlock(const std::vector<IfdSpec> &ifds)
+TreeBuilder &TreeBuilder::TiffBlock(const std::vector<IfdDef> &ifds)
 {
     m_doc->AddChild(Plain(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
     AddIfds(ifds);
@@ -138,10 +138,10 @@ std::unique_ptr<CExifDoc> TreeBuilder::Take()
     return std::move(m_doc);
 }
 
-void TreeBuilder::AddIfds(const std::vector<IfdSpec> &ifds)
+void TreeBuilder::AddIfds(const std::vector<IfdDef> &ifds)
 {
     uint32_t index = 0;
-    for (const IfdSpec &entries : ifds) {
+    for (const IfdDef &entries : ifds) {
         CNode *ifd = Plain(NODE_IFD, KIND_PLAIN, index++);
         ifd->m_hasChild = 1;
         m_doc->AddSibling(ifd);
@@ -151,21 +151,21 @@ void TreeBuilder::AddIfds(const std::vector<IfdSpec> &ifds)
 }
 
 // Leaves the cursor on the chain's link.
-void TreeBuilder::AddEntries(const IfdSpec &entries)
+void TreeBuilder::AddEntries(const IfdDef &entries)
 {
     m_doc->AddChild(Plain(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, uint32_t(entries.size())));
-    for (const EntrySpec &spec : entries) {
-        CTag *tag = MakeTag(spec);
+    for (const EntryDef &def : entries) {
+        CTag *tag = MakeTag(def);
         m_doc->AddSibling(tag);
         Register(*m_doc, tag);
-        if (spec.sub.empty()) continue;
-        AddEntries(spec.sub);
+        if (def.sub.empty()) continue;
+        AddEntries(def.sub);
         m_doc->MoveTo(tag);
     }
     m_doc->AddSibling(Plain(NODE_NEXT_IFD, KIND_PLAIN, 0));
 }
 
-std::unique_ptr<CExifDoc> JpegDoc(const std::vector<IfdSpec> &ifds)
+std::unique_ptr<CExifDoc> JpegDoc(const std::vector<IfdDef> &ifds)
 {
     TreeBuilder builder(FORMAT_JPEG);
     builder.Marker(0xD8).Marker(0xE0, "JFIF");
@@ -174,7 +174,7 @@ std::unique_ptr<CExifDoc> JpegDoc(const std::vector<IfdSpec> &ifds)
     return builder.Take();
 }
 
-std::unique_ptr<CExifDoc> TiffDoc(const std::vector<IfdSpec> &ifds)
+std::unique_ptr<CExifDoc> TiffDoc(const std::vector<IfdDef> &ifds)
 {
     return TreeBuilder(FORMAT_TIFF).TiffBlock(ifds).Take();
 }

@@ -26,15 +26,15 @@ void PutCoefficient(int symbol, int value, int bits, const HuffmanCodes &codes, 
 
 }  // namespace
 
-HuffmanCodes BuildCodes(const HuffmanSpec &spec)
+HuffmanCodes BuildCodes(const HuffmanTable &def)
 {
     HuffmanCodes codes = {};
     uint32_t code = 0;
     int symbol = 0;
     for (int length = 1; length <= 16; ++length) {
-        for (int i = 0; i < spec.counts[length - 1]; ++i, ++code, ++symbol) {
-            codes.code[spec.symbols[symbol]] = static_cast<uint16_t>(code);
-            codes.length[spec.symbols[symbol]] = static_cast<uint8_t>(length);
+        for (int i = 0; i < def.counts[length - 1]; ++i, ++code, ++symbol) {
+            codes.code[def.symbols[symbol]] = static_cast<uint16_t>(code);
+            codes.length[def.symbols[symbol]] = static_cast<uint8_t>(length);
         }
         code <<= 1;
     }

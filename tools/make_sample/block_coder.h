@@ -13,7 +13,7 @@ struct HuffmanCodes {
 };
 
 // Assigns the canonical codes that a decoder derives from the same counts.
-HuffmanCodes BuildCodes(const HuffmanSpec &spec);
+HuffmanCodes BuildCodes(const HuffmanTable &def);
 
 // Forward DCT of an 8x8 block of samples centred on 0, divided by the
 // quantisation table and rounded; the result is in zigzag order.

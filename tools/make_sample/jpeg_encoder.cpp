@@ -90,11 +90,11 @@ std::vector<uint8_t> FramePayload(const RgbImage &image)
     return payload;
 }
 
-void PutHuffmanTable(std::vector<uint8_t> &payload, uint8_t classAndId, const HuffmanSpec &spec)
+void PutHuffmanTable(std::vector<uint8_t> &payload, uint8_t classAndId, const HuffmanTable &def)
 {
     payload.push_back(classAndId);
-    payload.insert(payload.end(), spec.counts, spec.counts + 16);
-    payload.insert(payload.end(), spec.symbols, spec.symbols + spec.symbolCount);
+    payload.insert(payload.end(), def.counts, def.counts + 16);
+    payload.insert(payload.end(), def.symbols, def.symbols + def.symbolCount);
 }
 
 std::vector<uint8_t> HuffmanPayload()

@@ -15,15 +15,15 @@ extern const uint8_t kChromaQuant[64];
 
 // A Huffman table as a DHT segment carries it: how many codes of each length
 // from 1 to 16 bits, then the symbols in order of their codes.
-struct HuffmanSpec {
+struct HuffmanTable {
     uint8_t counts[16];
     const uint8_t *symbols;
     int symbolCount;
 };
 
-extern const HuffmanSpec kLumaDc;
-extern const HuffmanSpec kLumaAc;
-extern const HuffmanSpec kChromaDc;
-extern const HuffmanSpec kChromaAc;
+extern const HuffmanTable kLumaDc;
+extern const HuffmanTable kLumaAc;
+extern const HuffmanTable kChromaDc;
+extern const HuffmanTable kChromaAc;
 
 #endif
