@@ -4,6 +4,7 @@
 #include "edit/marker_chain.h"
 #include "load/doc_builder.h"
 #include "load/tiff_parser.h"
+#include "load/tiff_types.h"
 #include "streams/stream.h"
 #include "tree/document.h"
 #include "tree/walk.h"
@@ -55,7 +56,7 @@ int IsExifPayload(const ExifBuffer *buffer)
     if (buffer->data == nullptr || buffer->size < EXIF_SIGNATURE_SIZE + TIFF_HEADER_SIZE) return 0;
     if (buffer->size > INT32_MAX) return 0;
     const unsigned char *tiff = buffer->data + EXIF_SIGNATURE_SIZE;
-    int knownOrder = (tiff[0] == 'I' && tiff[1] == 'I') || (tiff[0] == 'M' && tiff[1] == 'M');
+    int knownOrder = IsByteOrderMark(tiff);
     return std::memcmp(buffer->data, "Exif", 4) == 0 && knownOrder;
 }
 

@@ -4,6 +4,7 @@
 #include "load/doc_builder.h"
 #include "load/jpeg_parser.h"
 #include "load/tiff_parser.h"
+#include "load/tiff_types.h"
 #include "streams/stream.h"
 #include "tree/document.h"
 #include "zexif.h"
@@ -17,7 +18,7 @@ int IsJpeg(const unsigned char *head)
 
 int IsTiff(const unsigned char *head)
 {
-    return (head[0] == 'I' && head[1] == 'I') || (head[0] == 'M' && head[1] == 'M');
+    return IsByteOrderMark(head);
 }
 
 // Offsets in the tree are 32-bit, and so is the stream's Tell, which wraps

@@ -149,13 +149,7 @@ int ParseTiff(CStreamIO *stream, CDocBuilder *builder)
     unsigned char header[4];
     if (stream->Read(header, 4) != 4) return 0;
     int bigEndian;
-    if (header[0] == 'I' && header[1] == 'I') {
-        bigEndian = 0;
-    } else if (header[0] == 'M' && header[1] == 'M') {
-        bigEndian = 1;
-    } else {
-        return 0;
-    }
+    if (!ReadByteOrderMark(header, &bigEndian)) return 0;
     builder->m_streamSize = StreamSize(stream);
     if (builder->m_valueBudget < 0) {
         builder->m_valueBudget = VALUE_BUDGET_FACTOR * builder->m_streamSize + VALUE_BUDGET_EXTRA;

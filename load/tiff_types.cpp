@@ -27,3 +27,16 @@ int ValueFitsEntry(uint32_t type, uint32_t count)
     int size = TiffTypeSize(type);
     return size != 0 && size != 8 && int64_t(count) * size <= 4;
 }
+
+int ReadByteOrderMark(const unsigned char *mark, int *bigEndian)
+{
+    if (mark[0] != mark[1] || (mark[0] != 'I' && mark[0] != 'M')) return 0;
+    *bigEndian = mark[0] == 'M';
+    return 1;
+}
+
+int IsByteOrderMark(const unsigned char *mark)
+{
+    int bigEndian;
+    return ReadByteOrderMark(mark, &bigEndian);
+}

@@ -17,6 +17,11 @@ struct IfdEntry {
     uint32_t value;
 };
 
+// Reads the byte-order mark at the start of a TIFF block: 1 with *bigEndian
+// set for "II" or "MM", 0 for anything else.
+int ReadByteOrderMark(const unsigned char *mark, int *bigEndian);
+int IsByteOrderMark(const unsigned char *mark);
+
 // Bytes of one value of the type: 1, 2, 4 or 8; 0 for a type outside 1 to 12.
 int TiffTypeSize(uint32_t type);
 

@@ -1,5 +1,6 @@
 #include <new>
 
+#include "load/tiff_types.h"
 #include "reader/cached_file.h"
 #include "reader/jpeg_scan.h"
 #include "reader/reader.h"
@@ -18,7 +19,7 @@ int IsJpegStart(const unsigned char *bytes)
 
 int IsTiffStart(const unsigned char *bytes)
 {
-    return (bytes[0] == 'I' && bytes[1] == 'I') || (bytes[0] == 'M' && bytes[1] == 'M');
+    return IsByteOrderMark(bytes);
 }
 
 void ReleaseReader(CExifReader *reader)

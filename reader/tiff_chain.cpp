@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "load/tiff_types.h"
 #include "reader/cached_file.h"
 #include "reader/ifd_scan.h"
 #include "reader/reader.h"
@@ -43,13 +44,7 @@ int ReadTiffHeader(CStreamIO *stream, CExifReader *reader, int32_t *firstIfd)
     uint32_t got = stream->Read(header, 8);
     if (got < 2) return 0;
     int bigEndian;
-    if (header[0] == 'I' && header[1] == 'I') {
-        bigEndian = 0;
-    } else if (header[0] == 'M' && header[1] == 'M') {
-        bigEndian = 1;
-    } else {
-        return 0;
-    }
+    if (!ReadByteOrderMark(header, &bigEndian)) return 0;
     reader->m_bigEndian = bigEndian;
     if (got < 8) return 0;
     *firstIfd = static_cast<int32_t>(ReadU32(header + 4, bigEndian));

@@ -12,15 +12,6 @@
 
 namespace {
 
-std::string TestName(const std::string &path)
-{
-    std::string name = path.substr(SamplesDir().size() + 1);
-    for (char &c : name) {
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-    }
-    return name;
-}
-
 std::vector<uint8_t> Bytes(const void *data, int64_t size)
 {
     const uint8_t *bytes = static_cast<const uint8_t *>(data);
@@ -118,6 +109,6 @@ TEST_P(CrossFamily, TheExifMarkerIsTheSegmentPayload)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, CrossFamily, ::testing::ValuesIn(AllSamples()),
-                         [](const auto &param) { return TestName(param.param); });
+                         [](const auto &param) { return SampleTestName(param.param); });
 
 }  // namespace

@@ -11,15 +11,6 @@
 
 namespace {
 
-std::string TestName(const std::string &path)
-{
-    std::string name = path.substr(SamplesDir().size() + 1);
-    for (char &c : name) {
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-    }
-    return name;
-}
-
 class ReaderSample : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override
@@ -83,6 +74,6 @@ TEST_P(ReaderSample, JpegsOpenAsJpegs)
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, ReaderSample, ::testing::ValuesIn(AllSamples()),
-                         [](const auto &param) { return TestName(param.param); });
+                         [](const auto &param) { return SampleTestName(param.param); });
 
 }  // namespace
