@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 
@@ -21,11 +22,32 @@ TempDir::~TempDir()
     fs::remove_all(m_path, ignored);
 }
 
+namespace {
+
+void WriteBytes(const std::string &path, const std::vector<uint8_t> &bytes)
+{
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+// The files the tests build by hand are the fuzzers' best seeds: each reaches
+// a corner of the format on purpose. With ZEXIF_SEED_DIR set, every one is
+// also kept there, named by its contents so that repeats fall together.
+void KeepAsSeed(const std::vector<uint8_t> &bytes)
+{
+    const char *dir = std::getenv("ZEXIF_SEED_DIR");
+    if (dir == nullptr || bytes.empty()) return;
+    std::string name = std::to_string(std::hash<std::string>()(std::string(bytes.begin(), bytes.end())));
+    WriteBytes(std::string(dir) + "/" + name, bytes);
+}
+
+}  // namespace
+
 std::string TempDir::Write(const std::string &name, const std::vector<uint8_t> &bytes) const
 {
     std::string path = Path(name);
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
+    WriteBytes(path, bytes);
+    KeepAsSeed(bytes);
     return path;
 }
 
