@@ -18,6 +18,7 @@ int WriteSegmentFrom(FILE *out, const FpxrSegment &segment, int32_t from)
 
 int zExifIsAudioExist(CExifDoc *doc)
 {
+    if (doc == nullptr) return 0;
     if (doc->m_audioState != 0) return doc->m_hasAudio;
     for (CMarker *marker = FirstSourceSegment(doc); marker != nullptr; marker = NextSourceSegment(marker)) {
         FpxrSegment segment;
@@ -36,6 +37,7 @@ int zExifIsAudioExist(CExifDoc *doc)
 // makes the result a failure.
 int zExifGetAudioFile(CExifDoc *doc, const void *path)
 {
+    if (doc == nullptr) return -1;
     FILE *out = nullptr;
     int written = 1;
     AudioTrack track;

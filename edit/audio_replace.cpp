@@ -26,6 +26,7 @@ int64_t MeasureFile(const void *path)
 // must not open the audio file any more either.
 int zExifRemoveAudio(CExifDoc *doc)
 {
+    if (doc == nullptr) return -1;
     int planDropped = DropAudioPlan(doc);
     int headRemoved = RemoveSourceAudio(doc);
     if (planDropped || headRemoved) doc->m_hasAudio = 0;
@@ -39,6 +40,7 @@ int zExifRemoveAudio(CExifDoc *doc)
 // there, and the save needn't open the audio file.
 int zExifSetAudioFile(CExifDoc *doc, const void *path)
 {
+    if (doc == nullptr) return -1;
     int64_t fileSize = MeasureFile(path);
     if (fileSize < 0 || fileSize > INT32_MAX) return -1;
     CNode *place = FindAudioPlace(doc);

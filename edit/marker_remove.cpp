@@ -38,7 +38,7 @@ void RemoveAllApp1(CExifDoc *doc)
 // tag of the same number never stands.
 int zExifRemoveMarker(CExifDoc *doc, int marker, uint32_t signature)
 {
-    if (doc->m_format != FORMAT_JPEG) return -1;
+    if (doc == nullptr || doc->m_format != FORMAT_JPEG) return -1;
     CMarker *found = FindTopLevelMarker(doc, marker);
     if (found == nullptr) return -1;
     if (SignatureMatches(found, signature)) RemoveTopLevelNode(doc, found);

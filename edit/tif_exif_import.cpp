@@ -23,7 +23,7 @@ int IsImportable(const TifTagItem *item)
 // the list again.
 int zExifSetTIFExifData(CExifDoc *doc, TifTagList *list)
 {
-    if (doc->m_format != FORMAT_TIFF || list == nullptr) return -1;
+    if (doc == nullptr || doc->m_format != FORMAT_TIFF || list == nullptr) return -1;
     for (int32_t i = 0; i < list->count && list->items != nullptr; i++) {
         const TifTagItem *item = list->items[i];
         if (!IsImportable(item)) continue;

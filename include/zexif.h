@@ -10,8 +10,9 @@
  *              questions cheaply, without building a tree.
  *
  * Results: 0 for success and -1 for failure, or a handle or NULL, unless a
- * function says otherwise. Numbers in values are in host byte order; 1-byte
- * values keep the order of the file.
+ * function says otherwise. A null handle gets the failure result (0 from
+ * the zExifIs... and zRExifIs... questions and the format getters). Numbers
+ * in values are in host byte order; 1-byte values keep the order of the file.
  *
  * Paths: a path is a NUL-terminated narrow (UTF-8) string. Where the file
  * can't be opened under that reading and the string can't be a narrow path
@@ -102,7 +103,7 @@ ZEXIF_API int zExifSetTIFExifData(CExifDoc *doc, TifTagList *list);
 
 ZEXIF_API int zExifIsAudioExist(CExifDoc *doc);
 ZEXIF_API int zExifGetAudioFile(CExifDoc *doc, const void *path);
-/* Always returns 1. */
+/* Returns 1, whether or not there was audio to remove (-1 for a null doc). */
 ZEXIF_API int zExifRemoveAudio(CExifDoc *doc);
 /* The path pointer is kept: the string must outlive the next save. */
 ZEXIF_API int zExifSetAudioFile(CExifDoc *doc, const void *path);

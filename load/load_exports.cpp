@@ -80,7 +80,7 @@ void zExifDestroy(CExifDoc *doc)
 
 int zExifGetFileFormat(CExifDoc *doc)
 {
-    return doc->m_format;
+    return doc == nullptr ? 0 : doc->m_format;
 }
 
 int zExifIsExifExist(CExifDoc *doc)
