@@ -28,6 +28,7 @@ struct ReaderTagSlot {
     uint32_t type = 0;
     uint32_t count = 0;
     unsigned char *data = nullptr;
+    ReaderTagSlot *next = nullptr;
 };
 
 // The read-only handle: the open file, where its segments lie and a small
@@ -59,7 +60,9 @@ struct CExifReader {
     ReaderTagSlot *m_model = nullptr;
     ReaderTagSlot *m_orientation = nullptr;
     ReaderTagSlot *m_imageDescription = nullptr;
-    ReaderTagSlot *m_wantedTag = nullptr;
+    // Every other tag asked for, one slot each: a value handed out must stay
+    // valid until the reader ends, so a slot is never refilled once asked for.
+    ReaderTagSlot *m_wantedTags = nullptr;
     ExifBuffer *m_thumb = nullptr;
 };
 

@@ -30,7 +30,7 @@ void ReleaseReader(CExifReader *reader)
     ReleaseTagSlot(reader->m_model);
     ReleaseTagSlot(reader->m_orientation);
     ReleaseTagSlot(reader->m_imageDescription);
-    ReleaseTagSlot(reader->m_wantedTag);
+    ReleaseTagSlot(reader->m_wantedTags);
     ReleaseThumbnail(reader);
     delete reader;
 }

@@ -7,6 +7,14 @@
 
 namespace {
 
+// The slot of another tag, or the link where a new one goes at the list's end.
+ReaderTagSlot **WantedSlotOf(CExifReader *reader, uint32_t tag)
+{
+    ReaderTagSlot **link = &reader->m_wantedTags;
+    while (*link != nullptr && (*link)->tag != tag) link = &(*link)->next;
+    return link;
+}
+
 ReaderTagSlot **SlotOf(CExifReader *reader, uint32_t tag)
 {
     switch (tag) {
@@ -15,7 +23,7 @@ ReaderTagSlot **SlotOf(CExifReader *reader, uint32_t tag)
     case 272: return &reader->m_model;
     case 274: return &reader->m_orientation;
     case 270: return &reader->m_imageDescription;
-    default: return &reader->m_wantedTag;
+    default: return WantedSlotOf(reader, tag);
     }
 }
 
@@ -40,6 +48,7 @@ int IsCachedTag(uint32_t tag)
 
 int IsTagCached(CExifReader *reader, uint32_t tag)
 {
+    if (!IsCachedTag(tag)) return *WantedSlotOf(reader, tag) != nullptr;
     int32_t *flag = FlagOf(reader, tag);
     return flag != nullptr && *flag == 1;
 }
@@ -81,7 +90,10 @@ int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **ou
 
 void ReleaseTagSlot(ReaderTagSlot *slot)
 {
-    if (slot == nullptr) return;
-    delete[] slot->data;
-    delete slot;
+    while (slot != nullptr) {
+        ReaderTagSlot *next = slot->next;
+        delete[] slot->data;
+        delete slot;
+        slot = next;
+    }
 }

@@ -9,19 +9,22 @@ struct ReaderTagSlot;
 // 1 for the five tags with a slot of their own: 306, 271, 272, 270, 274.
 int IsCachedTag(uint32_t tag);
 
-// 1 when the tag has a slot of its own and that slot is filled.
+// 1 when the tag's value is held: the slot of one of the five is filled, or
+// another tag has a slot in m_wantedTags.
 int IsTagCached(CExifReader *reader, uint32_t tag);
 
 // Copies size bytes of data (null for none) into the slot of tag: one of the
-// five, or m_wantedTag for any other. The copy is made before anything is
-// released, so a failure (result 0) leaves the slot as it was. The flag of
-// one of the five is set on success.
+// five, or a slot of m_wantedTags for any other. The copy is made before
+// anything is released, so a failure (result 0) leaves the slot as it was.
+// The flag of one of the five is set on success. A slot is refilled only
+// while the walk that fills it runs, before its value is handed out.
 int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *data, uint32_t count, uint32_t size);
 
 // Hands out the slot's fields, the bytes staying the reader's. 0 for an empty
-// slot, and for m_wantedTag holding another tag.
+// slot.
 int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **outData, uint32_t *outCount);
 
+// Releases a slot and the slots linked behind it.
 void ReleaseTagSlot(ReaderTagSlot *slot);
 
 #endif
