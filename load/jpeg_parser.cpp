@@ -104,15 +104,25 @@ Step Eoi(ScanRun &run, CDocBuilder *builder)
     return STEP_ON;
 }
 
+int IsCountedAsData(int32_t code, const ScanRun &run)
+{
+    if (code == CODE_SOI || code == CODE_EOI || IsAppCode(code)) return 0;
+    return IsDataCode(code) || run.scanStarted;
+}
+
+// A node's bytes are one stretch of the file, since the save copies them
+// from the offset on: the bytes counted so far become a node of their own
+// before a segment that interrupts them.
 Step ActOnCode(int32_t code, ScanRun &run, CStreamIO *stream, CDocBuilder *builder)
 {
-    if (code == CODE_SOI) return builder->OnMarker(CODE_SOI, 0, 0, nullptr) ? STEP_ON : STEP_FAIL;
-    if (code == CODE_EOI) return Eoi(run, builder);
-    if (IsAppCode(code)) return AppSegment(code, stream, builder);
-    if (IsDataCode(code) || run.scanStarted) {
+    if (IsCountedAsData(code, run)) {
         run.Count(stream, 2);
         return STEP_ON;
     }
+    if (code == CODE_EOI) return Eoi(run, builder);
+    if (!run.Flush(builder)) return STEP_FAIL;
+    if (code == CODE_SOI) return builder->OnMarker(CODE_SOI, 0, 0, nullptr) ? STEP_ON : STEP_FAIL;
+    if (IsAppCode(code)) return AppSegment(code, stream, builder);
     if (code == CODE_SOS) run.scanStarted = 1;
     return PlainSegment(code, stream, builder);
 }
