@@ -69,9 +69,11 @@ void StoreValue(CExifReader *reader, const IfdEntry &entry, const EntryValue &va
 }
 
 // A wanted scan reads no value of the five from outside the entry; such a
-// value is absent then and the slot keeps what an earlier scan put there.
+// value is absent then and the slot keeps what an earlier scan put there. Nor
+// does it refill a slot that is filled: its value may have been handed out.
 void CacheTag(const IfdScan &scan, const IfdEntry &entry, const unsigned char *field)
 {
+    if (scan.m_wantedTag != 0 && IsTagCached(scan.m_reader, entry.tag)) return;
     int selected = scan.m_wantedTag == 0 || scan.m_wantedTag == entry.tag;
     EntryValue value;
     GetValue(scan, entry, field, selected, &value);
