@@ -66,7 +66,7 @@ TEST_F(RefusedAllocation, AWantedSlotKeepsItsValueWhenTheCopyFails)
     const char *date = static_cast<const char *>(value.data);
     Refuse(kOddSize, 1);
     EXPECT_EQ(-1, zRExifGetTag(reader(), 37510, &value));
-    EXPECT_EQ(36867u, reader()->m_wantedTag->tag);
+    EXPECT_EQ(36867u, reader()->m_wantedTags->tag);
     EXPECT_EQ(std::string("date", 5), std::string(date, 5));
 }
 
