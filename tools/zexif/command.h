@@ -10,17 +10,20 @@ constexpr int EXIT_OK = 0;
 constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_USAGE = 2;
 
-// A command of the tool. main checks the number of arguments against the
-// bounds before run is called; run returns the exit status, and for
-// EXIT_USAGE main prints the command's usage line.
+// A command of the tool. run gets the words behind the command's name and
+// returns the exit status; for EXIT_USAGE main prints the usage line, after
+// what run may have said about the mistake.
 struct Command {
     const char *name;
-    const char *arguments;
-    const char *summary;
-    size_t minArguments;
-    size_t maxArguments;
+    const char *usage;    // the arguments, one line
+    const char *summary;  // one line for zexif --help
+    const char *details;  // what it does and its options, for COMMAND --help
     int (*run)(const std::vector<std::string> &arguments);
 };
+
+// The commands, in the order --help lists them.
+const Command *CommandTable(size_t *count);
+const Command *FindCommand(const std::string &name);
 
 int RunDump(const std::vector<std::string> &arguments);
 int RunGet(const std::vector<std::string> &arguments);

@@ -3,20 +3,23 @@
 #include "tools/zexif/arguments.h"
 #include "tools/zexif/command.h"
 #include "tools/zexif/edit_session.h"
-#include "zexif.h"
+#include "tools/zexif/tag_argument.h"
+#include "tools/zexif/tag_edit.h"
 
 int RunDelete(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    uint32_t tag, ifd;
-    if (!ParseArguments(arguments, {"--ifd", "-o"}, {}, &parsed) || parsed.positional.size() != 2 ||
-        !ParseNumber(parsed.positional[1], &tag) || !ParseNumber(parsed.Value("--ifd", "0"), &ifd)) {
+    TagAddress address;
+    if (!ParseArguments(arguments, {"--ifd", "-o"}, {}, &parsed) || parsed.positional.size() < 2 ||
+        !AddressFromArguments(parsed.positional.back(), parsed, &address)) {
         return EXIT_USAGE;
     }
-    const std::string &path = parsed.positional[0];
-    return EditAndSave(path, parsed.Value("-o", ""), [&](CExifDoc *doc) {
-        if (zExifDelTag(doc, tag, static_cast<int>(ifd)) == 0) return true;
-        std::fprintf(stderr, "zexif: %s has no tag %u in IFD %u\n", path.c_str(), tag, ifd);
+    const std::vector<std::string> files(parsed.positional.begin(), parsed.positional.end() - 1);
+    if (!OutFitsFiles(parsed.Has("-o"), files.size())) return EXIT_USAGE;
+    return EditEach(files, parsed.Value("-o", ""), [&](CExifDoc *doc, const std::string &path) {
+        std::string error;
+        if (DeleteAddressedTag(doc, address, &error)) return true;
+        std::fprintf(stderr, "zexif: %s: %s\n", path.c_str(), error.c_str());
         return false;
     });
 }

@@ -1,50 +1,29 @@
 #include <cstdio>
-#include <cstdlib>
 
-#include "load/tiff_types.h"
 #include "tools/zexif/arguments.h"
 #include "tools/zexif/command.h"
+#include "tools/zexif/document_tags.h"
+#include "tools/zexif/file_report.h"
 #include "tools/zexif/load_document.h"
-#include "tools/zexif/value_format.h"
+#include "tools/zexif/tag_argument.h"
+#include "tools/zexif/tag_json.h"
 #include "zexif.h"
 
 namespace {
 
-void PrintValue(const ExifTagValue &value)
+// The tag of one file into the report: false when the file has none.
+bool ReportTag(CExifDoc *doc, const std::string &path, const TagAddress &address, bool withName, FileReport &report)
 {
-    const int64_t size = EntryDataSize(value.type, value.count);
-    std::printf("%s\n", FormatWholeValue(value.type, value.count, static_cast<const unsigned char *>(value.data),
-                                         static_cast<size_t>(size))
-                            .c_str());
-}
-
-// The reader only knows IFD 0 and the Exif IFD, so it is asked for IFD 0
-// alone. Its value stays its own until the reader ends.
-bool PrintFromReader(const std::string &path, uint32_t tag)
-{
-    CExifReader *reader = zRExifBeginRead(path.c_str());
-    if (reader == nullptr) return false;
-    ExifTagValue value{};
-    const bool found = zRExifGetTag(reader, tag, &value) == 0;
-    if (found) PrintValue(value);
-    zRExifEndRead(reader);
-    return found;
-}
-
-int PrintFromDocument(const std::string &path, uint32_t tag, int ifd)
-{
-    CExifDoc *doc = LoadDocument(path);
-    if (doc == nullptr) return EXIT_FAILED;
-    ExifTagValue value{};
-    const bool found = zExifGetTag(doc, tag, &value, ifd) == 0;
-    zExifDestroy(doc);
-    if (!found) {
-        std::fprintf(stderr, "zexif: %s has no tag %u in IFD %d\n", path.c_str(), tag, ifd);
-        return EXIT_FAILED;
+    const CTag *tag = FindAddressedTag(doc, address);
+    TagView view;
+    if (tag == nullptr || !ViewOfTag(*tag, address.group, &view)) return false;
+    if (report.IsJson()) {
+        WriteTagMembers(report.BeginObject(path), view, IfdLabel(address.group, address.ifd), true);
+        report.EndObject();
+    } else {
+        std::printf("%s%s\n", withName ? (path + ": ").c_str() : "", ReadableValue(view, true).c_str());
     }
-    PrintValue(value);
-    std::free(value.data);
-    return EXIT_OK;
+    return true;
 }
 
 }  // namespace
@@ -52,12 +31,21 @@ int PrintFromDocument(const std::string &path, uint32_t tag, int ifd)
 int RunGet(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    uint32_t tag, ifd;
-    if (!ParseArguments(arguments, {"--ifd"}, {}, &parsed) || parsed.positional.size() != 2 ||
-        !ParseNumber(parsed.positional[1], &tag) || !ParseNumber(parsed.Value("--ifd", "0"), &ifd)) {
+    TagAddress address;
+    if (!ParseArguments(arguments, {"--ifd"}, {"--json"}, &parsed) || parsed.positional.size() < 2 ||
+        !AddressFromArguments(parsed.positional.back(), parsed, &address)) {
         return EXIT_USAGE;
     }
-    const std::string &path = parsed.positional[0];
-    if (ifd == 0 && PrintFromReader(path, tag)) return EXIT_OK;
-    return PrintFromDocument(path, tag, static_cast<int>(ifd));
+    const std::vector<std::string> files(parsed.positional.begin(), parsed.positional.end() - 1);
+    FileReport report(parsed.Has("--json"));
+    for (const std::string &path : files) {
+        std::string message;
+        CExifDoc *doc = TryLoadDocument(path, &message);
+        if (doc != nullptr && !ReportTag(doc, path, address, files.size() > 1, report)) {
+            message = path + " has no " + DescribeAddress(address);
+        }
+        if (!message.empty()) report.Fail(path, message);
+        zExifDestroy(doc);
+    }
+    return report.Finish();
 }

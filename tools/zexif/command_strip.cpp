@@ -1,10 +1,11 @@
 #include <cstdio>
 #include <vector>
 
-#include "load/tiff_types.h"
 #include "tools/zexif/arguments.h"
 #include "tools/zexif/command.h"
+#include "tools/zexif/document_tags.h"
 #include "tools/zexif/edit_session.h"
+#include "tools/zexif/tag_edit.h"
 #include "zexif.h"
 
 namespace {
@@ -28,38 +29,38 @@ void StripJpeg(CExifDoc *doc)
     zExifRemoveMarker(doc, MARKER_APP1, 0);
 }
 
-// A tag's value with bytes of its own, to outlive the reader it came from.
+// A tag's value with bytes of its own, to outlive the segment it came from.
 struct SavedTag {
     ExifTagValue value{};
     std::vector<unsigned char> bytes;
 };
 
-// Read with the reader: the document family looks for 274 in the Exif IFD
-// alone, and cameras put it in IFD 0.
-bool ReadOrientation(const std::string &path, SavedTag *saved)
+bool SaveOrientation(CExifDoc *doc, const TagAddress &address, SavedTag *saved)
 {
-    CExifReader *reader = zRExifBeginRead(path.c_str());
-    if (reader == nullptr) return false;
-    const bool found = zRExifGetTag(reader, TAG_ORIENTATION, &saved->value) == 0;
-    if (found) {
-        const auto *bytes = static_cast<const unsigned char *>(saved->value.data);
-        saved->bytes.assign(bytes, bytes + EntryDataSize(saved->value.type, saved->value.count));
-        saved->value.data = saved->bytes.data();
-    }
-    zRExifEndRead(reader);
-    return found;
+    const CTag *tag = FindAddressedTag(doc, address);
+    TagView view;
+    if (tag == nullptr || !ViewOfTag(*tag, address.group, &view)) return false;
+    saved->bytes.assign(view.value.bytes, view.value.bytes + view.value.size);
+    saved->value = {view.value.type, view.value.count, saved->bytes.data()};
+    return true;
 }
 
-// A TIFF's orientation stays in IFD 0, which the strip leaves alone.
-bool Strip(CExifDoc *doc, const SavedTag *orientation)
+// A TIFF's orientation stays in IFD 0, which the strip leaves alone; a
+// JPEG's goes with its APP1 and is put back into a new one.
+bool Strip(CExifDoc *doc, const std::string &path, bool keepOrientation)
 {
     if (zExifGetFileFormat(doc) == FORMAT_TIFF) {
         StripTiff(doc);
         return true;
     }
+    TagAddress orientation;
+    orientation.number = TAG_ORIENTATION;
+    SavedTag saved;
+    const bool restore = keepOrientation && SaveOrientation(doc, orientation, &saved);
     StripJpeg(doc);
-    if (orientation == nullptr || zExifSetTag(doc, TAG_ORIENTATION, &orientation->value, 0) == 0) return true;
-    std::fprintf(stderr, "zexif: cannot put the orientation back\n");
+    std::string error;
+    if (!restore || SetAddressedTag(doc, orientation, saved.value, &error)) return true;
+    std::fprintf(stderr, "zexif: %s: cannot put the orientation back: %s\n", path.c_str(), error.c_str());
     return false;
 }
 
@@ -68,12 +69,11 @@ bool Strip(CExifDoc *doc, const SavedTag *orientation)
 int RunStrip(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (!ParseArguments(arguments, {"-o"}, {"--keep-orientation"}, &parsed) || parsed.positional.size() != 1) {
+    if (!ParseArguments(arguments, {"-o"}, {"--keep-orientation"}, &parsed) || parsed.positional.empty() ||
+        !OutFitsFiles(parsed.Has("-o"), parsed.positional.size())) {
         return EXIT_USAGE;
     }
-    const std::string &path = parsed.positional[0];
-    SavedTag orientation;
-    const bool keep = parsed.Has("--keep-orientation") && ReadOrientation(path, &orientation);
-    return EditAndSave(path, parsed.Value("-o", ""),
-                       [&](CExifDoc *doc) { return Strip(doc, keep ? &orientation : nullptr); });
+    const bool keep = parsed.Has("--keep-orientation");
+    return EditEach(parsed.positional, parsed.Value("-o", ""),
+                    [&](CExifDoc *doc, const std::string &path) { return Strip(doc, path, keep); });
 }

@@ -25,3 +25,20 @@ int EditAndSave(const std::string &path, const std::string &out, const std::func
     zExifDestroy(doc);
     return done ? EXIT_OK : EXIT_FAILED;
 }
+
+int EditEach(const std::vector<std::string> &paths, const std::string &out,
+             const std::function<bool(CExifDoc *, const std::string &path)> &edit)
+{
+    int status = EXIT_OK;
+    for (const std::string &path : paths) {
+        if (EditAndSave(path, out, [&](CExifDoc *doc) { return edit(doc, path); }) != EXIT_OK) status = EXIT_FAILED;
+    }
+    return status;
+}
+
+bool OutFitsFiles(bool hasOut, size_t files)
+{
+    if (!hasOut || files == 1) return true;
+    std::fprintf(stderr, "zexif: -o OUT goes with a single FILE\n");
+    return false;
+}

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 struct CExifDoc;
 
@@ -11,5 +12,14 @@ struct CExifDoc;
 // leaves the target as it was. edit says what went wrong itself and returns
 // false to skip the save. Returns the exit status.
 int EditAndSave(const std::string &path, const std::string &out, const std::function<bool(CExifDoc *)> &edit);
+
+// EditAndSave for each path in turn, a failure not stopping the others; the
+// exit status is 1 when any failed. out is for a single path.
+int EditEach(const std::vector<std::string> &paths, const std::string &out,
+             const std::function<bool(CExifDoc *, const std::string &path)> &edit);
+
+// For the commands that take several files: -o makes sense with one only.
+// Says so on stderr when it is given with more.
+bool OutFitsFiles(bool hasOut, size_t files);
 
 #endif

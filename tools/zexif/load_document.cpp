@@ -22,12 +22,19 @@ std::string ReadError(const std::string &path)
 
 }  // namespace
 
-CExifDoc *LoadDocument(const std::string &path)
+CExifDoc *TryLoadDocument(const std::string &path, std::string *message)
 {
     CExifDoc *doc = zExifLoadFile(path.c_str());
-    if (doc != nullptr) return doc;
-    std::fprintf(stderr, "zexif: cannot load %s: %s\n", path.c_str(), LoadFailureReason(path).c_str());
-    return nullptr;
+    if (doc == nullptr) *message = "cannot load " + path + ": " + LoadFailureReason(path);
+    return doc;
+}
+
+CExifDoc *LoadDocument(const std::string &path)
+{
+    std::string message;
+    CExifDoc *doc = TryLoadDocument(path, &message);
+    if (doc == nullptr) std::fprintf(stderr, "zexif: %s\n", message.c_str());
+    return doc;
 }
 
 std::string LoadFailureReason(const std::string &path)

@@ -5,9 +5,12 @@
 
 struct CExifDoc;
 
-// Loads a file for a command. When it can't, says why on one line of stderr
-// and returns null; the library itself gives no reason, so a file that opens
-// but doesn't load is called not an image or damaged.
+// Loads a file for a command. When it can't, returns null and says why in
+// message, "cannot load PATH: REASON"; the library itself gives no reason, so
+// a file that opens but doesn't load is called not an image or damaged.
+CExifDoc *TryLoadDocument(const std::string &path, std::string *message);
+
+// The same, the message written as one line of stderr.
 CExifDoc *LoadDocument(const std::string &path);
 
 // Why a file the library refused can't be used, for a message: the system's

@@ -5,25 +5,13 @@
 #include <cstring>
 
 #include "load/tiff_types.h"
+#include "tools/zexif/value_numbers.h"
 
 namespace {
 
 constexpr size_t MAX_TEXT_CHARS = 60;
 constexpr size_t MAX_RAW_BYTES = 16;
 constexpr size_t MAX_NUMBERS = 8;
-
-template <typename T>
-T ValueAt(const unsigned char *bytes, size_t index)
-{
-    T value;
-    std::memcpy(&value, bytes + index * sizeof(T), sizeof(T));
-    return value;
-}
-
-std::string Decimal(long long value)
-{
-    return std::to_string(value);
-}
 
 std::string Real(double value)
 {
@@ -33,22 +21,13 @@ std::string Real(double value)
 }
 
 // One value of a numeric type, the index counting values, not bytes.
-std::string NumberAt(uint32_t type, const unsigned char *bytes, size_t index)
+std::string NumberAt(const ValueView &value, size_t index)
 {
-    switch (type) {
-    case TIFF_BYTE: return Decimal(bytes[index]);
-    case TIFF_SBYTE: return Decimal(static_cast<int8_t>(bytes[index]));
-    case TIFF_SHORT: return Decimal(ValueAt<uint16_t>(bytes, index));
-    case TIFF_SSHORT: return Decimal(ValueAt<int16_t>(bytes, index));
-    case TIFF_LONG: return Decimal(ValueAt<uint32_t>(bytes, index));
-    case TIFF_SLONG: return Decimal(ValueAt<int32_t>(bytes, index));
-    case TIFF_RATIONAL:
-        return Decimal(ValueAt<uint32_t>(bytes, 2 * index)) + "/" + Decimal(ValueAt<uint32_t>(bytes, 2 * index + 1));
-    case TIFF_SRATIONAL:
-        return Decimal(ValueAt<int32_t>(bytes, 2 * index)) + "/" + Decimal(ValueAt<int32_t>(bytes, 2 * index + 1));
-    case TIFF_FLOAT: return Real(ValueAt<float>(bytes, index));
-    default: return Real(ValueAt<double>(bytes, index));
-    }
+    if (IsIntegerType(value.type)) return std::to_string(IntegerAt(value, index));
+    if (!IsRationalType(value.type)) return Real(RealAt(value, index));
+    int64_t numerator, denominator;
+    RationalAt(value, index, &numerator, &denominator);
+    return std::to_string(numerator) + "/" + std::to_string(denominator);
 }
 
 std::string Shortened(uint64_t declaredBytes)
@@ -73,11 +52,6 @@ size_t TextLength(const unsigned char *bytes, size_t size)
     return nul != nullptr ? static_cast<size_t>(static_cast<const unsigned char *>(nul) - bytes) : size;
 }
 
-bool IsPrintable(const unsigned char *bytes, size_t size)
-{
-    return std::all_of(bytes, bytes + size, [](unsigned char c) { return c >= 0x20 && c < 0x7f; });
-}
-
 std::string FormatText(const unsigned char *bytes, size_t size, uint64_t declaredBytes)
 {
     const size_t length = TextLength(bytes, size);
@@ -90,7 +64,7 @@ std::string FormatText(const unsigned char *bytes, size_t size, uint64_t declare
 std::string FormatUndefined(const unsigned char *bytes, size_t size, uint64_t declaredBytes)
 {
     const bool whole = size == declaredBytes;
-    if (whole && size <= MAX_TEXT_CHARS && IsPrintable(bytes, size)) return QuoteText(bytes, size);
+    if (whole && size <= MAX_TEXT_CHARS && IsPrintableText(bytes, size)) return QuoteText(bytes, size);
     if (whole && size <= MAX_RAW_BYTES) return HexBytes(bytes, size);
     return HexBytes(bytes, std::min(size, MAX_RAW_BYTES)) + Shortened(declaredBytes);
 }
@@ -99,9 +73,10 @@ std::string FormatNumbers(uint32_t type, uint32_t count, const unsigned char *by
                           uint64_t declaredBytes)
 {
     const size_t limit = type == TIFF_BYTE || type == TIFF_SBYTE ? MAX_RAW_BYTES : MAX_NUMBERS;
-    const size_t shown = std::min(available / static_cast<size_t>(TiffTypeSize(type)), limit);
+    const ValueView value{type, count, bytes, available};
+    const size_t shown = std::min(ValuesAtHand(value), limit);
     std::string text;
-    for (size_t i = 0; i < shown; ++i) text += (i == 0 ? "" : " ") + NumberAt(type, bytes, i);
+    for (size_t i = 0; i < shown; ++i) text += (i == 0 ? "" : " ") + NumberAt(value, i);
     return shown < count ? text + Shortened(declaredBytes) : text;
 }
 
@@ -113,6 +88,11 @@ std::string TypeName(uint32_t type)
                                         "UNDEFINED", "SSHORT", "SLONG", "SRATIONAL", "FLOAT", "DOUBLE"};
     if (type >= TIFF_BYTE && type <= TIFF_DOUBLE) return names[type - 1];
     return "type " + std::to_string(type);
+}
+
+bool IsPrintableText(const unsigned char *bytes, size_t size)
+{
+    return std::all_of(bytes, bytes + size, [](unsigned char c) { return c >= 0x20 && c < 0x7f; });
 }
 
 std::string QuoteText(const unsigned char *bytes, size_t size)
@@ -149,10 +129,11 @@ std::string FormatWholeValue(uint32_t type, uint32_t count, const unsigned char 
 {
     if (TiffTypeSize(type) == 0) return "(unknown type)";
     const size_t available = static_cast<size_t>(std::min<uint64_t>(EntryDataSize(type, count), size));
+    if (available == 0) return "";
     if (type == TIFF_ASCII) return std::string(reinterpret_cast<const char *>(bytes), TextLength(bytes, available));
     if (type == TIFF_UNDEFINED) return HexBytes(bytes, available);
-    const size_t values = available / static_cast<size_t>(TiffTypeSize(type));
+    const ValueView value{type, count, bytes, available};
     std::string text;
-    for (size_t i = 0; i < values; ++i) text += (i == 0 ? "" : " ") + NumberAt(type, bytes, i);
+    for (size_t i = 0; i < ValuesAtHand(value); ++i) text += (i == 0 ? "" : " ") + NumberAt(value, i);
     return text;
 }

@@ -8,6 +8,9 @@
 // The name of a TIFF field type: "SHORT", or "type 13" for one outside 1 to 12.
 std::string TypeName(uint32_t type);
 
+// True when every byte is printable ASCII.
+bool IsPrintableText(const unsigned char *bytes, size_t size);
+
 // The bytes up to the first NUL between double quotes; quotes, backslashes
 // and what isn't printable ASCII are escaped, so a line stays one line.
 std::string QuoteText(const unsigned char *bytes, size_t size);

@@ -16,9 +16,8 @@ struct ParsedValue {
     uint32_t count = 0;
 };
 
-// Values in the form the tool prints them: ASCII as one text, which gets its
-// NUL; integers in decimal; rationals as n/d; UNDEFINED as bytes, each in
-// decimal or 0x hex. On failure, error says which word was wrong.
+// Values as set takes them: ASCII as one text, which gets its NUL; integers
+// in decimal; rationals as n/d; UNDEFINED as bytes, each in decimal or 0x hex. On failure, error says which word was wrong.
 bool ParseValues(uint32_t type, const std::vector<std::string> &words, ParsedValue *value, std::string *error);
 
 #endif
