@@ -41,13 +41,6 @@ struct Source {
     }
 };
 
-EntryDef Numbers(int32_t tag, uint32_t type, const std::vector<uint32_t> &values)
-{
-    ByteBuilder b;
-    for (uint32_t v : values) type == TIFF_SHORT ? b.U16(uint16_t(v)) : b.U32(v);
-    return {tag, type, uint32_t(values.size()), b.m_bytes, {}};
-}
-
 CNode *HeaderOf(CExifDoc &doc)
 {
     return FindInChain(doc.m_root, NODE_TIFF_HEADER);

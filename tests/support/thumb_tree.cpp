@@ -1,31 +1,9 @@
 #include "support/thumb_tree.h"
 
+#include "support/tree_builder.h"
 #include "tree/walk.h"
 
 namespace {
-
-CNode *Plain(int32_t id, int32_t kind, uint32_t value)
-{
-    CNode *node = new CNode;
-    node->m_id = id;
-    node->m_kind = kind;
-    node->m_value = value;
-    return node;
-}
-
-void Register(CExifDoc &doc, CTag *tag)
-{
-    if (tag->m_id == 513) {
-        doc.m_thumbTag = tag;
-        doc.m_hasThumb = 1;
-        doc.m_thumbType |= 0x800;
-        doc.m_thumbLoaded = 0;
-    }
-    if (tag->m_id == 34665) {
-        doc.m_exifIfdTag = tag;
-        doc.m_hasExif = 1;
-    }
-}
 
 void AppendShape(const CNode *node, std::string &out)
 {
@@ -52,14 +30,14 @@ CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector
         doc.m_cur = nullptr;
         doc.MoveUp();
     }
-    CNode *header = Plain(NODE_TIFF_HEADER, 1, 0);
+    CNode *header = NewStructuralNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0);
     doc.AddChild(header);
     uint32_t index = 0;
     for (const auto &tags : ifds) {
-        CNode *ifd = Plain(NODE_IFD, 3, index++);
+        CNode *ifd = NewStructuralNode(NODE_IFD, KIND_PLAIN, index++);
         ifd->m_hasChild = 1;
         doc.AddSibling(ifd);
-        doc.AddChild(Plain(NODE_ENTRY_COUNT, 1, uint32_t(tags.size())));
+        doc.AddChild(NewStructuralNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, uint32_t(tags.size())));
         for (const HandTag &def : tags) {
             CTag *tag = new CTag;
             tag->m_id = def.tag;
@@ -67,9 +45,9 @@ CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector
             tag->m_count = def.count;
             tag->m_value = def.value;
             doc.AddSibling(tag);
-            Register(doc, tag);
+            RegisterLikeALoad(doc, tag);
         }
-        doc.AddSibling(Plain(NODE_NEXT_IFD, 3, 0));
+        doc.AddSibling(NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, 0));
         doc.MoveTo(ifd);
     }
     return header;

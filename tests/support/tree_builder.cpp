@@ -7,15 +7,6 @@
 
 namespace {
 
-CNode *Plain(int32_t id, int32_t kind, uint32_t value)
-{
-    CNode *node = new CNode;
-    node->m_id = id;
-    node->m_kind = kind;
-    node->m_value = value;
-    return node;
-}
-
 CTag *MakeTag(const EntryDef &def)
 {
     CTag *tag = new CTag;
@@ -29,19 +20,6 @@ CTag *MakeTag(const EntryDef &def)
         tag->SetData(def.bytes.data(), int32_t(def.bytes.size()));
     }
     return tag;
-}
-
-void Register(CExifDoc &doc, CTag *tag)
-{
-    if (tag->m_id == 34665) {
-        doc.m_exifIfdTag = tag;
-        doc.m_hasExif = 1;
-    }
-    if (tag->m_id == 513) {
-        doc.m_thumbTag = tag;
-        doc.m_hasThumb = 1;
-        doc.m_thumbType |= 0x800;
-    }
 }
 
 template <typename T>
@@ -83,6 +61,16 @@ EntryDef Bytes(int32_t tag, uint32_t type, const std::vector<uint8_t> &bytes)
     return {tag, type, uint32_t(bytes.size() / (size == 0 ? 1 : size)), bytes, {}};
 }
 
+EntryDef Numbers(int32_t tag, uint32_t type, const std::vector<uint32_t> &values)
+{
+    std::vector<uint8_t> bytes;
+    for (uint32_t v : values) {
+        std::vector<uint8_t> number = TiffTypeSize(type) == 2 ? BytesOf(uint16_t(v)) : BytesOf(v);
+        bytes.insert(bytes.end(), number.begin(), number.end());
+    }
+    return Bytes(tag, type, bytes);
+}
+
 EntryDef Pointer(int32_t tag, const IfdDef &sub)
 {
     EntryDef def = Long(tag, 0);
@@ -93,6 +81,20 @@ EntryDef Pointer(int32_t tag, const IfdDef &sub)
 ExifTagValue ValueOf(const EntryDef &def)
 {
     return {def.type, def.count, const_cast<uint8_t *>(def.bytes.data())};
+}
+
+void RegisterLikeALoad(CExifDoc &doc, CTag *tag)
+{
+    if (tag->m_id == 34665) {
+        doc.m_exifIfdTag = tag;
+        doc.m_hasExif = 1;
+    }
+    if (tag->m_id == 513) {
+        doc.m_thumbTag = tag;
+        doc.m_hasThumb = 1;
+        doc.m_thumbType |= 0x800;
+        doc.m_thumbLoaded = 0;
+    }
 }
 
 TreeBuilder::TreeBuilder(int32_t format) : m_doc(std::make_unique<CExifDoc>())
@@ -120,7 +122,7 @@ TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdDef> &ifds)
     Marker(0xE1, "Exif");
     CNode *marker = m_doc->m_cur;
     m_doc->m_exifMarker = static_cast<CMarker *>(marker);
-    m_doc->AddChild(Plain(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
+    m_doc->AddChild(NewStructuralNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
     AddIfds(ifds);
     m_doc->MoveTo(marker);
     return *this;
@@ -128,7 +130,7 @@ TreeBuilder &TreeBuilder::ExifApp1(const std::vector<IfdDef> &ifds)
 
 TreeBuilder &TreeBuilder::TiffBlock(const std::vector<IfdDef> &ifds)
 {
-    m_doc->AddChild(Plain(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
+    m_doc->AddChild(NewStructuralNode(NODE_TIFF_HEADER, KIND_IFD_CONTENT, 0));
     AddIfds(ifds);
     return *this;
 }
@@ -142,7 +144,7 @@ void TreeBuilder::AddIfds(const std::vector<IfdDef> &ifds)
 {
     uint32_t index = 0;
     for (const IfdDef &entries : ifds) {
-        CNode *ifd = Plain(NODE_IFD, KIND_PLAIN, index++);
+        CNode *ifd = NewStructuralNode(NODE_IFD, KIND_PLAIN, index++);
         ifd->m_hasChild = 1;
         m_doc->AddSibling(ifd);
         AddEntries(entries);
@@ -153,16 +155,16 @@ void TreeBuilder::AddIfds(const std::vector<IfdDef> &ifds)
 // Leaves the cursor on the chain's link.
 void TreeBuilder::AddEntries(const IfdDef &entries)
 {
-    m_doc->AddChild(Plain(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, uint32_t(entries.size())));
+    m_doc->AddChild(NewStructuralNode(NODE_ENTRY_COUNT, KIND_IFD_CONTENT, uint32_t(entries.size())));
     for (const EntryDef &def : entries) {
         CTag *tag = MakeTag(def);
         m_doc->AddSibling(tag);
-        Register(*m_doc, tag);
+        RegisterLikeALoad(*m_doc, tag);
         if (def.sub.empty()) continue;
         AddEntries(def.sub);
         m_doc->MoveTo(tag);
     }
-    m_doc->AddSibling(Plain(NODE_NEXT_IFD, KIND_PLAIN, 0));
+    m_doc->AddSibling(NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, 0));
 }
 
 std::unique_ptr<CExifDoc> JpegDoc(const std::vector<IfdDef> &ifds)

@@ -27,10 +27,16 @@ EntryDef Ascii(int32_t tag, const std::string &text);  // with its NUL
 EntryDef Rational(int32_t tag, uint32_t numerator, uint32_t denominator);
 // The count is what the bytes hold of the type.
 EntryDef Bytes(int32_t tag, uint32_t type, const std::vector<uint8_t> &bytes);
+// 2-byte types take each number as a SHORT, the others as a LONG: a rational
+// is two numbers.
+EntryDef Numbers(int32_t tag, uint32_t type, const std::vector<uint32_t> &values);
 EntryDef Pointer(int32_t tag, const IfdDef &sub);  // 34665, 34853: a LONG with a sub-IFD
 
 // The value an EntryDef stands for, pointing into its bytes.
 ExifTagValue ValueOf(const EntryDef &def);
+
+// Records 34665 and 513 in the document as a load records them.
+void RegisterLikeALoad(CExifDoc &doc, CTag *tag);
 
 // Assembles a document node by node through the document's cursor, in the
 // shapes a load makes, and registers 34665, 513 and Exif APP1 markers in the

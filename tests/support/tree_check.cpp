@@ -100,6 +100,17 @@ std::string TreeFaults(const CExifDoc &doc, bool sorted)
     return faults;
 }
 
+std::string ShortcutFaults(const CExifDoc &doc)
+{
+    std::string faults;
+    if (doc.m_exifIfdTag != nullptr && doc.m_exifIfdTag->m_id != 34665) faults += "m_exifIfdTag on another tag; ";
+    if (doc.m_thumbTag != nullptr && doc.m_thumbTag->m_id != 513) faults += "m_thumbTag on another tag; ";
+    if (doc.m_thumbTag == nullptr && (doc.m_hasThumb || doc.m_thumbLoaded || (doc.m_thumbType & 0x800))) {
+        faults += "thumbnail flags without its tag; ";
+    }
+    return faults;
+}
+
 std::string Outline(const CExifDoc &doc)
 {
     std::string out;

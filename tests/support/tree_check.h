@@ -14,6 +14,11 @@
 // - with sorted, the CTags of every chain stand in ascending order.
 std::string TreeFaults(const CExifDoc &doc, bool sorted);
 
+// What is wrong with the document's shortcuts and flags, or "": the Exif
+// IFD's and the thumbnail's shortcuts stand on tags 34665 and 513, and
+// without a thumbnail tag no flag says there is one.
+std::string ShortcutFaults(const CExifDoc &doc);
+
 // The tree as text: each node's id, ":value" for IFD and count nodes, the
 // signature of APPn markers, children in brackets. A tag numbered 2 or 3
 // shows as a plain number.
