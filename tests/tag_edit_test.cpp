@@ -15,7 +15,7 @@
 namespace {
 
 // A JPEG document's outline around its APP1 (none for "").
-std::string Jpeg(const std::string &app1)
+std::string InJpeg(const std::string &app1)
 {
     return "216 224'JFIF' " + app1 + (app1.empty() ? "" : " ") + "219 218 161 217";
 }
@@ -28,6 +28,30 @@ std::string Flags(CExifDoc &doc)
 }
 
 using Make = std::function<std::unique_ptr<CExifDoc>()>;
+
+Make Jpeg(const std::vector<IfdDef> &ifds)
+{
+    return [ifds] { return JpegDoc(ifds); };
+}
+
+Make Tiff(const std::vector<IfdDef> &ifds)
+{
+    return [ifds] { return TiffDoc(ifds); };
+}
+
+// A JPEG of these markers, an APP0 of JFIF, an APP1 of XMP, and an Exif APP1
+// with these IFDs for the code 0x1E1.
+Make Markers(const std::vector<int> &codes, const std::vector<IfdDef> &ifds = {})
+{
+    return [codes, ifds] {
+        TreeBuilder builder(FORMAT_JPEG);
+        for (int code : codes) {
+            if (code == 0x1E1) builder.ExifApp1(ifds);
+            if (code != 0x1E1) builder.Marker(code, code == 0xE0 ? "JFIF" : "http");
+        }
+        return builder.Take();
+    };
+}
 
 // A document, the calls made on it, and the outline and flags it must end
 // with ("" where they don't matter).
@@ -76,6 +100,21 @@ std::unique_ptr<CExifDoc> BigEndianJpeg()
     return doc;
 }
 
+std::unique_ptr<CExifDoc> ThumbnailLoaded()
+{
+    auto doc = JpegDoc({{kMake}, {Short(259, 6), Long(513, 0), Long(514, 0)}});
+    doc->m_thumbLoaded = 1;
+    return doc;
+}
+
+// The cursor stands on a tag 513 in the Exif IFD.
+std::unique_ptr<CExifDoc> CursorInExifIfd()
+{
+    auto doc = JpegDoc({{Pointer(34665, {Long(513, 0)})}});
+    doc->m_cur = doc->m_thumbTag;
+    return doc;
+}
+
 std::unique_ptr<CExifDoc> ChildlessExifApp1()
 {
     auto doc = TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xE1, "Exif").Marker(0xD9).Take();
@@ -87,9 +126,10 @@ std::unique_ptr<CExifDoc> ChildlessExifApp1()
 // the thumbnail's tags and a tag that IFD 0 lacks.
 std::unique_ptr<CExifDoc> CameraJpeg()
 {
-    return JpegDoc({{kMake, Short(274, 6), Pointer(34665, {Rational(33434, 1, 250), kDate}),
-                     Pointer(34853, {Bytes(0, TIFF_BYTE, kGpsVersion), Ascii(1, "N"), Rational(2, 48, 1), Ascii(3, "E")})},
-                    {Short(259, 6), Long(305, 77), Long(513, 0), Long(514, 0)}});
+    return JpegDoc(
+        {{kMake, Short(274, 6), Pointer(34665, {Rational(33434, 1, 250), kDate}),
+          Pointer(34853, {Bytes(0, TIFF_BYTE, kGpsVersion), Ascii(1, "N"), Rational(2, 48, 1), Ascii(3, "E")})},
+         {Short(259, 6), Long(305, 77), Long(513, 0), Long(514, 0)}});
 }
 
 std::unique_ptr<CExifDoc> ChainWithoutLink()
@@ -102,41 +142,44 @@ std::unique_ptr<CExifDoc> ChainWithoutLink()
     return doc;
 }
 
+EditCase Edit(const char *name, const Make &make, const std::vector<TagStep> &steps, const std::string &outline,
+              const std::string &flags = "")
+{
+    return {name, make, steps, outline, flags};
+}
+
 // A short tag set into a TIFF file of one IFD goes in front of the first tag
 // of an equal or higher number; only real tags are compared.
 EditCase Sorted(const char *name, const IfdDef &ifd, int32_t tag, const std::string &chain, bool sorted = true)
 {
-    return {name, [ifd] { return TiffDoc({ifd}); }, {Set(Short(tag, 5), 0), Get(Short(tag, 5), 0)},
-            "1 2:0[" + chain + "]", "", sorted};
+    return {name, Tiff({ifd}), {Set(Short(tag, 5), 0), Get(Short(tag, 5), 0)}, "1 2:0[" + chain + "]", "", sorted};
 }
+
+// A JPEG without an Exif APP1 gets one behind APP0, else behind SOI, and in
+// front of an APP1 of XMP; it opens with IFD 0 whatever index was named.
+const IfdDef kGps = {Short(256, 1), Pointer(34853, {Ascii(1, "N"), Rational(2, 4, 1), Ascii(3, "E")})};
+const IfdDef kWithExif = {kMake, Pointer(34665, {kDate})};
+const IfdDef kWithGps = {kMake, Pointer(34853, {Ascii(1, "N")})};
+const std::string kNewExifIfd = "225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60]]";
 
 // A JPEG without an Exif APP1 gets one behind APP0, else behind SOI, and in
 // front of an APP1 of XMP; it opens with IFD 0 whatever index was named.
 INSTANTIATE_TEST_SUITE_P(
     NewApp1, TagEdits,
-    ::testing::Values(
-        EditCase{"ExifTag", BigEndianJpeg, {Set(kDate, 3), Get(kDate, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60]]"), "10 II"},
-        EditCase{"TagNamedForIfd1", [] { return JpegDoc({}); }, {Set(kDescription, 1), Get(kDescription, 0), Missing(270, 1)},
-                 Jpeg("225'Exif'[1 2:0[3:1 270 60]]"), "00 II"},
-        EditCase{"TagForAnyIfd", [] { return JpegDoc({}); }, {Set(kDescription, -1), Get(kDescription, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:1 270 60]]")},
-        EditCase{"BehindSoi", [] { return TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xDB).Marker(0xD9).Take(); },
-                 {Set(kDescription, 0)}, "216 225'Exif'[1 2:0[3:1 270 60]] 219 217"},
-        EditCase{"NowhereWithoutSoi", [] { return TreeBuilder(FORMAT_JPEG).Marker(0xDB).Marker(0xD9).Take(); },
-                 {Set(kDescription, 0, -1), Set(kDate, 0, -1)}, "219 217", "00 II"},
-        EditCase{"InFrontOfXmp",
-                 [] { return TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xE0, "JFIF").Marker(0xE1, "http").Marker(0xD9).Take(); },
-                 {Set(kDate, 0), Get(kDate, 0)},
-                 "216 224'JFIF' 225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60]] 225'http' 217"},
-        EditCase{"BlockForAChildlessApp1", ChildlessExifApp1, {Set(kDescription, 0), Get(kDescription, 0)},
-                 "216 225'Exif'[1 2:0[3:1 270 60]] 217"},
-        EditCase{"ExifBlockForAChildlessApp1", ChildlessExifApp1, {Set(kDate, 0), Get(kDate, 0)},
-                 "216 225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60]] 217"},
-        EditCase{"ExifApp1BehindXmpGrows",
-                 [] { return TreeBuilder(FORMAT_JPEG).Marker(0xD8).Marker(0xE1, "http").ExifApp1({{kMake}}).Marker(0xD9).Take(); },
-                 {Set(Long(305, 1), 1), Set(kDate, 0)},
-                 "216 225'http' 225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 305 60]] 217"}),
+    ::testing::Values(Edit("ExifTag", BigEndianJpeg, {Set(kDate, 3), Get(kDate, 0)}, InJpeg(kNewExifIfd), "10 II"),
+                      Edit("TagForIfd1", Jpeg({}), {Set(kDescription, 1), Get(kDescription, 0), Missing(270, 1)},
+                           InJpeg("225'Exif'[1 2:0[3:1 270 60]]"), "00 II"),
+                      Edit("BehindSoi", Markers({0xD8, 0xDB, 0xD9}), {Set(kDescription, 0)},
+                           "216 225'Exif'[1 2:0[3:1 270 60]] 219 217"),
+                      Edit("NoneWithoutSoi", Markers({0xDB, 0xD9}), {Set(kDescription, 0, -1), Set(kDate, 0, -1)},
+                           "219 217", "00 II"),
+                      Edit("InFrontOfXmp", Markers({0xD8, 0xE0, 0xE1, 0xD9}), {Set(kDate, 0), Get(kDate, 0)},
+                           "216 224'JFIF' " + kNewExifIfd + " 225'http' 217"),
+                      Edit("ExifBlockForAChildlessApp1", ChildlessExifApp1, {Set(kDate, 0)},
+                           "216 " + kNewExifIfd + " 217"),
+                      Edit("ExifApp1BehindXmpGrows", Markers({0xD8, 0xE1, 0x1E1, 0xD9}, {{kMake}}),
+                           {Set(Long(305, 1), 1), Set(kDate, 0)},
+                           "216 225'http' 225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 305 60]] 217")),
     [](const ::testing::TestParamInfo<EditCase> &p) { return p.param.name; });
 
 // A new IFD extends the chain by one, since the save visits IFD indices up to
@@ -145,31 +188,28 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     NewIfd, TagEdits,
     ::testing::Values(
-        EditCase{"Ifd1BehindIfd0", [] { return JpegDoc({{kMake}}); }, {Set(Long(305, 9), 1), Get(Long(305, 9), 1)},
-                 Jpeg("225'Exif'[1 2:0[3:1 271 60] 2:1[3:1 305 60]]")},
-        EditCase{"NoIndexBeyondTheNext", [] { return JpegDoc({{kMake}}); },
-                 {Set(Long(305, 9), 2, -1), Set(Long(305, 9), -1, -1)}, Jpeg("225'Exif'[1 2:0[3:1 271 60]]")},
-        EditCase{"Ifd0InFrontOfIfd1", [] { return JpegDoc({{kMake}, {Short(259, 6)}}); },
-                 {Del(271, 0), Set(kDescription, 0)}, Jpeg("225'Exif'[1 2:0[3:1 270 60] 2:1[3:1 259 60]]")},
-        EditCase{"ExifIfdInFrontOfIfd1", [] { return JpegDoc({{kMake}, {Short(259, 6)}}); }, {Del(271, 0), Set(kDate, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]")},
-        EditCase{"EmptiedApp1OpensWithIfd0", [] { return JpegDoc({{kMake}}); },
-                 {Del(271, 0), Set(kDescription, 1, -1), Set(kDate, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60]]")},
-        EditCase{"ExifIfdInJpegIfd0", [] { return JpegDoc({{kMake, Pointer(34853, {Ascii(1, "N")})}}); },
-                 {Set(Short(41728, 3), 0)},
-                 Jpeg("225'Exif'[1 2:0[3:3 271 34665[3:1 41728 60] 34853[3:1 1 60] 60]]"), "10 II"},
-        EditCase{"ExifIfdInTiffIfd0", [] { return TiffDoc({{kMake, Pointer(34853, {Ascii(1, "N")})}}); },
-                 {Set(Short(41728, 3), 0)}, "1 2:0[3:3 271 34665[3:1 41728 60] 34853[3:1 1 60] 60]", "10 II"},
-        EditCase{"ThumbnailIfdMovesUp",
-                 [] { return JpegDoc({{Short(259, 6), Long(513, 100), Long(514, 20)}, {Long(305, 1)}}); },
-                 {Set(kDate, 0), Get(Long(513, 100), 1)},
-                 Jpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60] 2:1[3:3 259 513 514 60] 2:2[3:1 305 60]]"), "11 II"},
-        EditCase{"ExifIfdBelowAChildlessJpegPointer", [] { return JpegDoc({{kMake, Pointer(34665, {})}}); },
-                 {Set(kDate, 0), Get(kDate, 0)}, Jpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60]]")},
-        EditCase{"ExifIfdBelowAChildlessTiffPointer", [] { return TiffDoc({{kMake, Pointer(34665, {})}}); },
-                 {Set(kDate, 0), Get(kDate, 0)}, "1 2:0[3:2 271 34665[3:1 36867 60] 60]"},
-        EditCase{"NoneInATiffWithoutIfd0", [] { return TiffDoc({}); }, {Set(kDate, 0, -1)}, "1", "00 II"}),
+        Edit("Ifd1BehindIfd0", Jpeg({{kMake}}), {Set(Long(305, 9), 1), Get(Long(305, 9), 1)},
+             InJpeg("225'Exif'[1 2:0[3:1 271 60] 2:1[3:1 305 60]]")),
+        Edit("NoIndexBeyondTheNext", Jpeg({{kMake}}), {Set(Long(305, 9), 2, -1), Set(Long(305, 9), -1, -1)},
+             InJpeg("225'Exif'[1 2:0[3:1 271 60]]")),
+        Edit("Ifd0InFrontOfIfd1", Jpeg({{kMake}, {Short(259, 6)}}), {Del(271, 0), Set(kDescription, 0)},
+             InJpeg("225'Exif'[1 2:0[3:1 270 60] 2:1[3:1 259 60]]")),
+        Edit("ExifIfdInFrontOfIfd1", Jpeg({{kMake}, {Short(259, 6)}}), {Del(271, 0), Set(kDate, 0)},
+             InJpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]")),
+        Edit("EmptiedApp1OpensWithIfd0", Jpeg({{kMake}}), {Del(271, 0), Set(kDescription, 1, -1), Set(kDate, 0)},
+             InJpeg(kNewExifIfd)),
+        Edit("ExifIfdInJpegIfd0", Jpeg({kWithGps}), {Set(Short(41728, 3), 0)},
+             InJpeg("225'Exif'[1 2:0[3:3 271 34665[3:1 41728 60] 34853[3:1 1 60] 60]]"), "10 II"),
+        Edit("ExifIfdInTiffIfd0", Tiff({kWithGps}), {Set(Short(41728, 3), 0)},
+             "1 2:0[3:3 271 34665[3:1 41728 60] 34853[3:1 1 60] 60]", "10 II"),
+        Edit("ThumbnailIfdMovesUp", Jpeg({{Short(259, 6), Long(513, 100), Long(514, 20)}, {Long(305, 1)}}),
+             {Set(kDate, 0), Get(Long(513, 100), 1)},
+             InJpeg("225'Exif'[1 2:0[3:1 34665[3:1 36867 60] 60] 2:1[3:3 259 513 514 60] 2:2[3:1 305 60]]"), "11 II"),
+        Edit("ExifIfdBelowAChildlessJpegPointer", Jpeg({{kMake, Pointer(34665, {})}}), {Set(kDate, 0), Get(kDate, 0)},
+             InJpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60]]")),
+        Edit("ExifIfdBelowAChildlessTiffPointer", Tiff({{kMake, Pointer(34665, {})}}), {Set(kDate, 0)},
+             "1 2:0[3:2 271 34665[3:1 36867 60] 60]"),
+        Edit("NoneInATiffWithoutIfd0", Tiff({}), {Set(kDate, 0, -1)}, "1", "00 II")),
     [](const ::testing::TestParamInfo<EditCase> &p) { return p.param.name; });
 
 // A TIFF file replaces a tag wherever it stands and makes no IFD; a JPEG
@@ -177,45 +217,44 @@ INSTANTIATE_TEST_SUITE_P(
 // numbers that structural nodes share are tags like any other.
 INSTANTIATE_TEST_SUITE_P(
     Replace, TagEdits,
-    ::testing::Values(
-        EditCase{"TiffWherever", [] { return TiffDoc({{Short(256, 8)}, {Short(257, 4)}}); },
-                 {Set(Short(258, 8), 5, -1), Set(Short(256, 16), 1), Get(Short(256, 16), 0)},
-                 "1 2:0[3:1 256 60] 2:1[3:1 257 60]"},
-        EditCase{"JpegFromTheNamedIfdOn", [] { return JpegDoc({{Short(256, 8)}, {Short(257, 4)}}); },
-                 {Set(Short(256, 16), 1), Get(Short(256, 8), 0), Get(Short(256, 16), 1)},
-                 Jpeg("225'Exif'[1 2:0[3:1 256 60] 2:1[3:2 256 257 60]]")},
-        EditCase{"BetweenBlockAndEntry", [] { return JpegDoc({{Ascii(270, "nineteen characters"), Short(296, 2)}}); },
-                 {Set(Ascii(270, "ab"), 0), Get(Ascii(270, "ab"), 0), Set(Rational(296, 5, 7), 0),
-                  Get(Rational(296, 5, 7), 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 270 296 60]]")},
-        EditCase{"GpsTagsOfStructuralNumbers",
-                 [] { return JpegDoc({{Short(256, 1), Pointer(34853, {Ascii(1, "N"), Rational(2, 4, 1), Ascii(3, "E")})}}); },
-                 {Set(Ascii(1, "S"), 0), Set(Rational(2, 9, 2), 0), Set(Ascii(3, "W"), 0), Get(Ascii(1, "S"), 0),
-                  Get(Rational(2, 9, 2), 0), Get(Ascii(3, "W"), 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 256 34853[3:3 1 2 3 60] 60]]")},
-        EditCase{"StructuralNumbersAsNewTags", [] { return TiffDoc({{Short(256, 1)}}); },
-                 {Set(Short(3, 3), 0), Set(Short(1, 1), 0), Set(Short(2, 2), 0), Set(Short(60, 60), 0),
-                  Set(Short(60, 61), 0), Get(Short(60, 61), 0)},
-                 "1 2:0[3:5 1 2 3 60 256 60]"},
-        EditCase{"SecondOrientationInTheExifIfd", [] { return JpegDoc({{Short(274, 1), Pointer(34665, {kDate})}}); },
-                 {Set(Short(274, 6), 0), Get(Short(274, 6), 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 274 34665[3:2 274 36867 60] 60]]")},
-        EditCase{"UnknownTypeWithoutValue", [] { return JpegDoc({{Short(256, 1)}}); },
-                 {Set(EntryDef{700, 99, 2, {1, 2, 3, 4}, {}}, 0), Get(EntryDef{700, 99, 2, {}, {}}, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 256 700 60]]")},
-        EditCase{"EmptyText", [] { return JpegDoc({{Short(256, 1)}}); },
-                 {Set(EntryDef{270, TIFF_ASCII, 0, {}, {}}, 0), Get(EntryDef{270, TIFF_ASCII, 0, {}, {}}, 0)}, ""},
-        Sorted("Between", {Short(270, 1), Short(272, 1)}, 271, "3:3 270 271 272 60"),
-        Sorted("BelowAll", {Short(270, 1), Short(272, 1)}, 256, "3:3 256 270 272 60"),
-        Sorted("Unsorted", {Short(272, 1), Short(270, 1)}, 271, "3:3 271 272 270 60", false),
-        Sorted("BehindTagZero", {Short(0, 1), Short(4, 1)}, 1, "3:3 0 1 4 60"),
-        Sorted("StructuralNumber", {Short(0, 1), Short(4, 1)}, 3, "3:3 0 3 4 60"),
-        Sorted("BehindRealSixty", {Short(59, 1), Short(60, 1), Short(70, 1)}, 61, "3:4 59 60 61 70 60"),
-        Sorted("BehindRealSeventy", {Short(60, 1), Short(70, 1), Short(80, 1)}, 75, "3:4 60 70 75 80 60"),
-        Sorted("BehindRealEighty", {Short(80, 1), Short(90, 1)}, 85, "3:3 80 85 90 60"),
-        Sorted("RealSixtyItself", {Short(59, 1), Short(61, 1)}, 60, "3:3 59 60 61 60"),
-        EditCase{"ChainWithoutLink", ChainWithoutLink, {Set(Short(300, 5), 0), Get(Short(300, 5), 0)},
-                 "1 2:0[3:3 270 272 300]"}),
+    ::testing::Values(Edit("TiffWherever", Tiff({{Short(256, 8)}, {Short(257, 4)}}),
+                           {Set(Short(258, 8), 5, -1), Set(Short(256, 16), 1), Get(Short(256, 16), 0)},
+                           "1 2:0[3:1 256 60] 2:1[3:1 257 60]"),
+                      Edit("JpegFromTheNamedIfdOn", Jpeg({{Short(256, 8)}, {Short(257, 4)}}),
+                           {Set(Short(256, 16), 1), Get(Short(256, 8), 0), Get(Short(256, 16), 1)},
+                           InJpeg("225'Exif'[1 2:0[3:1 256 60] 2:1[3:2 256 257 60]]")),
+                      Edit("BetweenBlockAndEntry", Jpeg({{Ascii(270, "nineteen characters"), Short(296, 2)}}),
+                           {Set(Ascii(270, "ab"), 0), Get(Ascii(270, "ab"), 0), Set(Rational(296, 5, 7), 0),
+                            Get(Rational(296, 5, 7), 0)},
+                           InJpeg("225'Exif'[1 2:0[3:2 270 296 60]]")),
+                      Edit("GpsTagsOfStructuralNumbers", Jpeg({kGps}),
+                           {Set(Ascii(1, "S"), 0), Set(Rational(2, 9, 2), 0), Set(Ascii(3, "W"), 0),
+                            Get(Ascii(1, "S"), 0), Get(Rational(2, 9, 2), 0), Get(Ascii(3, "W"), 0)},
+                           InJpeg("225'Exif'[1 2:0[3:2 256 34853[3:3 1 2 3 60] 60]]")),
+                      Edit("StructuralNumbersAsNewTags", Tiff({{Short(256, 1)}}),
+                           {Set(Short(3, 3), 0), Set(Short(1, 1), 0), Set(Short(2, 2), 0), Set(Short(60, 60), 0),
+                            Set(Short(60, 61), 0), Get(Short(60, 61), 0)},
+                           "1 2:0[3:5 1 2 3 60 256 60]"),
+                      Edit("SecondOrientationInTheExifIfd", Jpeg({{Short(274, 1), Pointer(34665, {kDate})}}),
+                           {Set(Short(274, 6), 0), Get(Short(274, 6), 0)},
+                           InJpeg("225'Exif'[1 2:0[3:2 274 34665[3:2 274 36867 60] 60]]")),
+                      Edit("UnknownTypeWithoutValue", Jpeg({{Short(256, 1)}}),
+                           {Set(EntryDef{700, 99, 2, {1, 2, 3, 4}, {}}, 0), Get(EntryDef{700, 99, 2, {}, {}}, 0)},
+                           InJpeg("225'Exif'[1 2:0[3:2 256 700 60]]")),
+                      EditCase{"EmptyText",
+                               Jpeg({{Short(256, 1)}}),
+                               {Set(Bytes(270, TIFF_ASCII, {}), 0), Get(Bytes(270, 2, {}), 0)},
+                               ""},
+                      Sorted("Between", {Short(270, 1), Short(272, 1)}, 271, "3:3 270 271 272 60"),
+                      Sorted("BelowAll", {Short(270, 1), Short(272, 1)}, 256, "3:3 256 270 272 60"),
+                      Sorted("Unsorted", {Short(272, 1), Short(270, 1)}, 271, "3:3 271 272 270 60", false),
+                      Sorted("BehindTagZero", {Short(0, 1), Short(4, 1)}, 1, "3:3 0 1 4 60"),
+                      Sorted("StructuralNumber", {Short(0, 1), Short(4, 1)}, 3, "3:3 0 3 4 60"),
+                      Sorted("BehindRealSixty", {Short(59, 1), Short(60, 1), Short(70, 1)}, 61, "3:4 59 60 61 70 60"),
+                      Sorted("BehindRealSeventy", {Short(60, 1), Short(70, 1), Short(80, 1)}, 75, "3:4 60 70 75 80 60"),
+                      Sorted("BehindRealEighty", {Short(80, 1), Short(90, 1)}, 85, "3:3 80 85 90 60"),
+                      Sorted("RealSixtyItself", {Short(59, 1), Short(61, 1)}, 60, "3:3 59 60 61 60"),
+                      Edit("ChainWithoutLink", ChainWithoutLink, {Set(Short(300, 5), 0)}, "1 2:0[3:3 270 272 300]")),
     [](const ::testing::TestParamInfo<EditCase> &p) { return p.param.name; });
 
 // A delete takes what it empties along: the Exif IFD, an IFD 0 that held only
@@ -224,95 +263,83 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Delete, TagEdits,
     ::testing::Values(
-        EditCase{"LastExifTagTakesTheApp1", [] { return JpegDoc({{Pointer(34665, {kDate})}}); }, {Del(36867, 5)},
-                 Jpeg(""), "10 II"},
-        EditCase{"Ifd1KeepsTheApp1", [] { return JpegDoc({{Pointer(34665, {kDate})}, {Short(259, 6)}}); },
-                 {Del(36867, 0), Get(Short(259, 6), 1)}, Jpeg("225'Exif'[1 2:1[3:1 259 60]]")},
-        EditCase{"DeletedExifTagsStayDeleted", [] { return JpegDoc({{kMake, Pointer(34665, {kDate})}}); },
-                 {Del(36867, 0), Missing(36867, 0), Del(36867, 0, -1), Set(kOther, 0), Get(kOther, 0),
-                  Missing(36867, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36868 60] 60]]"), "10 II"},
-        EditCase{"EmptiedIfdLeavesTheApp1", [] { return JpegDoc({{kMake}}); }, {Del(271, 0)}, Jpeg("225'Exif'[1]")},
-        EditCase{"TiffKeepsItsOnlyIfd", [] { return TiffDoc({{Pointer(34665, {Rational(33434, 1, 60)})}}); },
-                 {Del(33434, 0)}, "1 2:0[3:0 60]"},
-        EditCase{"TiffLosesEmptiedIfds", [] { return TiffDoc({{Short(256, 8)}, {Short(256, 4)}}); },
-                 {Del(256, 1), Del(256, 0), Del(256, 0, -1)}, "1"},
-        EditCase{"EmptiedGpsIfdTakesItsPointer", [] { return JpegDoc({{kMake, Pointer(34853, {Ascii(1, "N")})}}); },
-                 {Del(1, 0)}, Jpeg("225'Exif'[1 2:0[3:1 271 60]]")},
-        EditCase{"CountsFallWhereTheTagWas",
-                 [] {
-                     return JpegDoc({{kMake, Pointer(34665, {kDate, Short(37383, 2)}), Short(41728, 3)},
-                                     {Short(259, 6), Long(305, 1)}});
-                 },
-                 {Del(41728, 1), Del(305, 0), Del(37383, 0)},
-                 Jpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]")},
-        EditCase{"StructuralNumbersTakeRealTagsOnly",
-                 [] { return JpegDoc({{Short(256, 1), Pointer(34853, {Ascii(1, "N"), Rational(2, 4, 1), Ascii(3, "E")})}}); },
-                 {Del(60, 0, -1), Del(1, 1, -1), Del(3, 0), Del(2, 0), Del(1, 0), Del(3, 0, -1), Del(2, 0, -1)},
-                 Jpeg("225'Exif'[1 2:0[3:1 256 60]]")},
-        EditCase{"RealTagsSixtyToEighty", [] { return TiffDoc({{Short(59, 1), Short(60, 2), Short(70, 3), Short(80, 4)}}); },
-                 {Del(60, 0), Missing(60, 0), Del(70, 0), Missing(70, 0), Del(80, 0), Missing(80, 0)},
-                 "1 2:0[3:1 59 60]"},
-        EditCase{"ThumbnailTagTakesItsFlags",
-                 [] {
-                     auto doc = JpegDoc({{kMake}, {Short(259, 6), Long(513, 0), Long(514, 0)}});
-                     doc->m_thumbLoaded = 1;
-                     return doc;
-                 },
-                 {Del(513, 1)}, Jpeg("225'Exif'[1 2:0[3:1 271 60] 2:1[3:2 259 514 60]]"), "00 II"},
-        EditCase{"ShortcutsGoWithTheirAncestors",
-                 [] {
-                     auto doc = JpegDoc({{Pointer(34665, {Long(513, 0)})}});
-                     doc->m_cur = doc->m_thumbTag;
-                     return doc;
-                 },
-                 {Del(513, 0)}, Jpeg(""), "10 II"},
-        EditCase{"ExifPointerTakesItsIfd", [] { return JpegDoc({{kMake, Pointer(34665, {kDate})}}); },
-                 {Del(34665, 0), Missing(36867, 0)}, Jpeg("225'Exif'[1 2:0[3:1 271 60]]")},
-        EditCase{"NothingWhereTheTagIsNot", [] { return JpegDoc({{kMake, Pointer(34665, {kDate})}}); },
-                 {Del(272, 0, -1), Del(271, 1, -1), Del(271, -1, -1), Del(33434, 0, -1), Del(271 + 65536, 0, -1)},
-                 Jpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60]]")},
-        EditCase{"NothingWithoutAnApp1", [] { return JpegDoc({}); },
-                 {Del(36867, 0, -1), Del(271, 0, -1), Missing(36867, 0), Missing(271, 0)}, Jpeg("")}),
+        Edit("LastExifTagTakesTheApp1", Jpeg({{Pointer(34665, {kDate})}}), {Del(36867, 5)}, InJpeg(""), "10 II"),
+        Edit("Ifd1KeepsTheApp1", Jpeg({{Pointer(34665, {kDate})}, {Short(259, 6)}}),
+             {Del(36867, 0), Get(Short(259, 6), 1)}, InJpeg("225'Exif'[1 2:1[3:1 259 60]]")),
+        EditCase{
+            "DeletedExifTagsStayDeleted",
+            Jpeg({kWithExif}),
+            {Del(36867, 0), Missing(36867, 0), Del(36867, 0, -1), Set(kOther, 0), Get(kOther, 0), Missing(36867, 0)},
+            InJpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36868 60] 60]]"),
+            "10 II"},
+        Edit("EmptiedIfdLeavesTheApp1", Jpeg({{kMake}}), {Del(271, 0)}, InJpeg("225'Exif'[1]")),
+        Edit("TiffKeepsItsOnlyIfd", Tiff({{Pointer(34665, {Rational(33434, 1, 60)})}}), {Del(33434, 0)},
+             "1 2:0[3:0 60]"),
+        Edit("TiffLosesEmptiedIfds", Tiff({{Short(256, 8)}, {Short(256, 4)}}),
+             {Del(256, 1), Del(256, 0), Del(256, 0, -1)}, "1"),
+        Edit("EmptiedGpsIfdTakesItsPointer", Jpeg({kWithGps}), {Del(1, 0)}, InJpeg("225'Exif'[1 2:0[3:1 271 60]]")),
+        EditCase{
+            "CountsFallWhereTheTagWas",
+            Jpeg({{kMake, Pointer(34665, {kDate, Short(37383, 2)}), Short(41728, 3)}, {Short(259, 6), Long(305, 1)}}),
+            {Del(41728, 1), Del(305, 0), Del(37383, 0)},
+            InJpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60] 2:1[3:1 259 60]]")},
+        Edit("StructuralNumbersTakeRealTagsOnly", Jpeg({kGps}),
+             {Del(60, 0, -1), Del(1, 1, -1), Del(3, 0), Del(2, 0), Del(1, 0), Del(3, 0, -1), Del(2, 0, -1)},
+             InJpeg("225'Exif'[1 2:0[3:1 256 60]]")),
+        Edit("RealTagsSixtyToEighty", Tiff({{Short(59, 1), Short(60, 2), Short(70, 3), Short(80, 4)}}),
+             {Del(60, 0), Missing(60, 0), Del(70, 0), Missing(70, 0), Del(80, 0), Missing(80, 0)}, "1 2:0[3:1 59 60]"),
+        Edit("ThumbnailTagTakesItsFlags", ThumbnailLoaded, {Del(513, 1)},
+             InJpeg("225'Exif'[1 2:0[3:1 271 60] 2:1[3:2 259 514 60]]"), "00 II"),
+        Edit("ShortcutsGoWithTheirAncestors", CursorInExifIfd, {Del(513, 0)}, InJpeg(""), "10 II"),
+        Edit("ExifPointerTakesItsIfd", Jpeg({kWithExif}), {Del(34665, 0), Missing(36867, 0)},
+             InJpeg("225'Exif'[1 2:0[3:1 271 60]]")),
+        Edit("NothingWhereTheTagIsNot", Jpeg({kWithExif}),
+             {Del(272, 0, -1), Del(271, 1, -1), Del(271, -1, -1), Del(33434, 0, -1), Del(271 + 65536, 0, -1)},
+             InJpeg("225'Exif'[1 2:0[3:2 271 34665[3:1 36867 60] 60]]")),
+        Edit("NothingWithoutAnApp1", Jpeg({}), {Del(36867, 0, -1), Del(271, 0, -1), Missing(36867, 0), Missing(271, 0)},
+             InJpeg(""))),
     [](const ::testing::TestParamInfo<EditCase> &p) { return p.param.name; });
 
 // Tags of the Exif IFD's table come from there whatever the index, looked for
 // from its pointer on; other tags from the IFD named on. Tag numbers that
 // structural nodes share find real tags only.
+const EntryDef kExposure = Rational(33434, 1, 250);
+const IfdDef kValueClasses = {Bytes(258, TIFF_SHORT, {8, 0, 8, 0, 8, 0}),
+                              Bytes(270, TIFF_ASCII, {}),
+                              Bytes(282, TIFF_RATIONAL, {}),
+                              Bytes(530, TIFF_SHORT, {1, 0, 2, 0}),
+                              Bytes(700, TIFF_BYTE, {1, 2, 3}),
+                              Bytes(701, TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F})};
+
+std::vector<TagStep> GetEach(const IfdDef &entries)
+{
+    std::vector<TagStep> steps;
+    for (const EntryDef &entry : entries) steps.push_back(Get(entry, 0));
+    return steps;
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Lookup, TagEdits,
     ::testing::Values(
-        EditCase{"TableTagsAtAnyIndex", CameraJpeg,
-                 {Get(Rational(33434, 1, 250), 0), Get(Rational(33434, 1, 250), 1), Get(Rational(33434, 1, 250), 7),
-                  Get(Rational(33434, 1, 250), -1)},
-                 ""},
-        EditCase{"TableSearchFromThePointerOn",
-                 [] { return JpegDoc({{Short(274, 6), Pointer(34665, {kDate}), Short(41728, 3)}}); },
-                 {Missing(274, 0), Get(Short(41728, 3), 0)}, ""},
-        EditCase{"OtherTagsFromTheNamedIfdOn", CameraJpeg,
-                 {Get(Long(305, 77), 0), Get(Long(305, 77), 1), Get(kMake, 0), Missing(271, 1), Missing(271, 2),
-                  Missing(271, -1), Missing(271 + 65536, 0)},
-                 ""},
-        EditCase{"GpsTagsOfStructuralNumbers", CameraJpeg,
-                 {Get(Bytes(0, TIFF_BYTE, kGpsVersion), 0), Get(Ascii(1, "N"), 0), Get(Rational(2, 48, 1), 0),
-                  Get(Ascii(3, "E"), 0), Missing(3, 1), Missing(60, 0), Missing(60, 1)},
-                 ""},
-        EditCase{"NoStructuralNodeAsATag", [] { return TiffDoc({{Short(256, 8)}}); },
-                 {Missing(1, 0), Missing(2, 0), Missing(3, 0), Missing(60, 0)}, ""},
-        EditCase{"RealTagsOfStructuralNumbers",
-                 [] { return TiffDoc({{Short(1, 11), Short(60, 12), Short(70, 13), Short(80, 14)}}); },
-                 {Get(Short(1, 11), 0), Get(Short(60, 12), 0), Get(Short(70, 13), 0), Get(Short(80, 14), 0)}, ""},
-        EditCase{"ValuesInEntryOrBlock",
-                 [] {
-                     return TiffDoc({{Bytes(258, TIFF_SHORT, {8, 0, 8, 0, 8, 0}), EntryDef{270, TIFF_ASCII, 0, {}, {}},
-                                      EntryDef{282, TIFF_RATIONAL, 0, {}, {}}, Bytes(530, TIFF_SHORT, {1, 0, 2, 0}),
-                                      Bytes(700, TIFF_BYTE, {1, 2, 3}), Bytes(701, TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F})}});
-                 },
-                 {Get(Bytes(258, TIFF_SHORT, {8, 0, 8, 0, 8, 0}), 0), Get(Bytes(530, TIFF_SHORT, {1, 0, 2, 0}), 0),
-                  Get(Bytes(700, TIFF_BYTE, {1, 2, 3}), 0), Get(Bytes(701, TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}), 0),
-                  Get(EntryDef{270, TIFF_ASCII, 0, {}, {}}, 0), Get(EntryDef{282, TIFF_RATIONAL, 0, {}, {}}, 0)},
-                 ""},
-        EditCase{"NothingInAChildlessApp1", ChildlessExifApp1, {Missing(36867, 0), Missing(271, 0)}, "216 225'Exif' 217"}),
+        Edit("TableTagsAtAnyIndex", CameraJpeg,
+             {Get(kExposure, 0), Get(kExposure, 1), Get(kExposure, 7), Get(kExposure, -1)}, ""),
+        Edit("TableSearchFromThePointerOn", Jpeg({{Short(274, 6), Pointer(34665, {kDate}), Short(41728, 3)}}),
+             {Missing(274, 0), Get(Short(41728, 3), 0)}, ""),
+        Edit("OtherTagsFromTheNamedIfdOn", CameraJpeg,
+             {Get(Long(305, 77), 0), Get(Long(305, 77), 1), Get(kMake, 0), Missing(271, 1), Missing(271, 2),
+              Missing(271, -1), Missing(271 + 65536, 0)},
+             ""),
+        Edit("GpsTagsOfStructuralNumbers", CameraJpeg,
+             {Get(Bytes(0, TIFF_BYTE, kGpsVersion), 0), Get(Ascii(1, "N"), 0), Get(Rational(2, 48, 1), 0),
+              Get(Ascii(3, "E"), 0), Missing(3, 1), Missing(60, 0), Missing(60, 1)},
+             ""),
+        Edit("NoStructuralNodeAsATag", Tiff({{Short(256, 8)}}),
+             {Missing(1, 0), Missing(2, 0), Missing(3, 0), Missing(60, 0)}, ""),
+        Edit("RealTagsOfStructuralNumbers", Tiff({{Short(1, 11), Short(60, 12), Short(70, 13), Short(80, 14)}}),
+             GetEach({Short(1, 11), Short(60, 12), Short(70, 13), Short(80, 14)}), ""),
+        Edit("ValuesInEntryOrBlock", Tiff({kValueClasses}), GetEach(kValueClasses), ""),
+        EditCase{
+            "NothingInAChildlessApp1", ChildlessExifApp1, {Missing(36867, 0), Missing(271, 0)}, "216 225'Exif' 217"}),
     [](const ::testing::TestParamInfo<EditCase> &p) { return p.param.name; });
 
 // The thumbnail's bytes live in tag 513's block while its offset stands in
@@ -367,8 +394,9 @@ TEST(GetTag, ValueSizeFollowsTheTypeClass)
         uint32_t count;
         int64_t size;
     };
-    for (SizeCase c : {SizeCase{1, 3, 3}, SizeCase{3, 3, 6}, SizeCase{4, 3, 12}, SizeCase{5, 3, 24}, SizeCase{12, 3, 24},
-                       SizeCase{13, 3, 3}, SizeCase{0, 3, 3}, SizeCase{12, 0xFFFFFFFFu, 0x7FFFFFFF8LL}}) {
+    for (SizeCase c :
+         {SizeCase{1, 3, 3}, SizeCase{3, 3, 6}, SizeCase{4, 3, 12}, SizeCase{5, 3, 24}, SizeCase{12, 3, 24},
+          SizeCase{13, 3, 3}, SizeCase{0, 3, 3}, SizeCase{12, 0xFFFFFFFFu, 0x7FFFFFFF8LL}}) {
         EXPECT_EQ(c.size, ValueDataSize(ExifTagValue{c.type, c.count, nullptr})) << c.type << " " << c.count;
     }
 }

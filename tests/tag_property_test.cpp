@@ -16,9 +16,8 @@ constexpr int kPhase = 150;
 
 // Exif IFD tags, IFD 0 and 1 tags with the pointers and the thumbnail's, and
 // small numbers that GPS tags and structural nodes share.
-const uint32_t kTags[] = {33434, 36867, 37383, 41728, 274,   40965, 256, 270, 271, 305, 513,
-                          514,   34665, 34853, 0,     1,     2,     3,   4,   59,  60,  61,
-                          70,    80,    999,   65535};
+const uint32_t kTags[] = {33434, 36867, 37383, 41728, 274, 40965, 256, 270, 271, 305, 513, 514, 34665,
+                          34853, 0,     1,     2,     3,   4,     59,  60,  61,  70,  80,  999, 65535};
 const uint32_t kTypes[] = {1, 2, 3, 4, 5, 7, 9, 10, 12, 99};
 const int kIfds[] = {0, 0, 0, 1, 1, 2, -1};
 
@@ -27,8 +26,8 @@ enum DocKind { JPEG_BARE, JPEG_CAMERA, TIFF_CAMERA, TIFF_TWO_IFDS };
 std::unique_ptr<CExifDoc> MakeDoc(DocKind kind)
 {
     IfdDef ifd0 = {Ascii(271, "Cam"), Short(274, 1),
-                    Pointer(34665, {Rational(33434, 1, 250), Ascii(36867, "2020:01:02 03:04:05")}),
-                    Pointer(34853, {Bytes(0, TIFF_BYTE, {2, 2, 0, 0}), Ascii(1, "N"), Rational(2, 48, 1)})};
+                   Pointer(34665, {Rational(33434, 1, 250), Ascii(36867, "2020:01:02 03:04:05")}),
+                   Pointer(34853, {Bytes(0, TIFF_BYTE, {2, 2, 0, 0}), Ascii(1, "N"), Rational(2, 48, 1)})};
     IfdDef ifd1 = {Short(259, 6), Long(513, 0), Long(514, 0)};
     switch (kind) {
     case JPEG_BARE:

@@ -69,20 +69,21 @@ std::vector<TagStep> Join(std::vector<TagStep> first, const std::vector<TagStep>
 
 INSTANTIATE_TEST_SUITE_P(
     Files, SampleTags,
-    ::testing::Values(
-        SampleCase{"jpg/Canon_40D.jpg", false, Camera("Canon", "Canon EOS 40D", "2008:05:30 15:56:01", 1, 160)},
-        SampleCase{"jpg/gps/DSCN0010.jpg", false,
-                   Join(Camera("NIKON", "COOLPIX P6000", "2008:10:22 16:28:39", 4, 300),
-                        Latitude(TIFF_RATIONAL, {43, 1, 28, 1, 281400000, 100000000}))},
-        SampleCase{"jpg/Fujifilm_FinePix_E500.jpg", true,
-                   Camera("FUJIFILM", "FinePix E500   ", "2006:08:17 09:24:48", 10, 800)},
-        SampleCase{"jpg/mobile/HMD_Nokia_8.3_5G.jpg", true,
-                   Join(Camera("HMD Global", "Nokia 8.3 5G", "2022:08:14 14:12:31", 541, 1000000),
-                        Latitude(TIFF_SRATIONAL, {60, 1, 8, 1, 4814, 100}))},
-        // Without an Exif IFD, a tag of its table such as orientation is not found.
-        SampleCase{"tiff/Crémieux11.tiff", true,
-                   {Get(Ascii(305, "Mac OS X 10.5.8 (9L31a)"), 0), Get(Short(256, 199), 0),
-                    Get(Numbers(258, TIFF_SHORT, {8, 8, 8, 8}), 0), Missing(274, 0)}}));
+    ::testing::Values(SampleCase{"jpg/Canon_40D.jpg", false,
+                                 Camera("Canon", "Canon EOS 40D", "2008:05:30 15:56:01", 1, 160)},
+                      SampleCase{"jpg/gps/DSCN0010.jpg", false,
+                                 Join(Camera("NIKON", "COOLPIX P6000", "2008:10:22 16:28:39", 4, 300),
+                                      Latitude(TIFF_RATIONAL, {43, 1, 28, 1, 281400000, 100000000}))},
+                      SampleCase{"jpg/Fujifilm_FinePix_E500.jpg", true,
+                                 Camera("FUJIFILM", "FinePix E500   ", "2006:08:17 09:24:48", 10, 800)},
+                      SampleCase{"jpg/mobile/HMD_Nokia_8.3_5G.jpg", true,
+                                 Join(Camera("HMD Global", "Nokia 8.3 5G", "2022:08:14 14:12:31", 541, 1000000),
+                                      Latitude(TIFF_SRATIONAL, {60, 1, 8, 1, 4814, 100}))},
+                      // Without an Exif IFD, a tag of its table such as orientation is not found.
+                      SampleCase{"tiff/Crémieux11.tiff",
+                                 true,
+                                 {Get(Ascii(305, "Mac OS X 10.5.8 (9L31a)"), 0), Get(Short(256, 199), 0),
+                                  Get(Numbers(258, TIFF_SHORT, {8, 8, 8, 8}), 0), Missing(274, 0)}}));
 
 class SampleEdits : public ::testing::TestWithParam<const char *> {};
 

@@ -11,8 +11,8 @@ namespace {
 std::string Describe(size_t index, const TagStep &step)
 {
     const char *names[] = {"set", "del", "get"};
-    return "step " + std::to_string(index) + " (" + names[step.kind] + " " + std::to_string(step.entry.tag) +
-           " in " + std::to_string(step.ifd) + "): ";
+    return "step " + std::to_string(index) + " (" + names[step.kind] + " " + std::to_string(step.entry.tag) + " in " +
+           std::to_string(step.ifd) + "): ";
 }
 
 int Run(CExifDoc &doc, const TagStep &step)
