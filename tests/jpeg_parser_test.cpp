@@ -12,17 +12,14 @@ namespace {
 const std::vector<uint8_t> SOI = {0xFF, 0xD8};
 const std::vector<uint8_t> EOI = {0xFF, 0xD9};
 
-// The markers of the top-level chain as "id" or "id:offset:size".
-std::vector<std::string> Chain(CExifDoc *doc, bool withPlaces = false)
+// The markers of the top-level chain as "id:offset:size".
+std::vector<std::string> Chain(const CExifDoc &doc)
 {
     std::vector<std::string> ids;
-    for (CNode *node = doc->m_root; node != nullptr; node = node->m_next) {
-        std::string text = std::to_string(node->m_id);
-        if (withPlaces) {
-            CMarker *marker = static_cast<CMarker *>(node);
-            text += ":" + std::to_string(marker->m_offset) + ":" + std::to_string(marker->m_size);
-        }
-        ids.push_back(text);
+    for (CNode *node = doc.m_root; node != nullptr; node = node->m_next) {
+        CMarker *marker = static_cast<CMarker *>(node);
+        ids.push_back(std::to_string(node->m_id) + ":" + std::to_string(marker->m_offset) + ":" +
+                      std::to_string(marker->m_size));
     }
     return ids;
 }
@@ -39,77 +36,82 @@ std::vector<uint8_t> Scan(const std::vector<uint8_t> &data)
     return Concat({JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}), data});
 }
 
-TEST(JpegLoad, SegmentOffsetsAndSizesFollowTheFile)
+// A file and the chain its load makes; no chain: the load fails.
+struct ChainCase {
+    const char *name;
+    std::vector<uint8_t> file;
+    std::vector<std::string> chain;
+};
+
+void PrintTo(const ChainCase &c, std::ostream *os)
+{
+    *os << c.name;
+}
+
+class JpegChain : public ::testing::TestWithParam<ChainCase> {};
+
+TEST_P(JpegChain, FollowsTheFile)
+{
+    DocPtr doc = LoadBytes(GetParam().file);
+    ASSERT_EQ(!GetParam().chain.empty(), doc != nullptr);
+    if (doc) {
+        EXPECT_EQ(GetParam().chain, Chain(*doc));
+    }
+}
+
+// The scan data is one run up to EOI, whatever markers stand in it; bytes
+// behind EOI get a node only in front of another EOI. An application segment
+// behind the scan ends the run and stays a segment. A segment whose length
+// field or signature the file cuts gets no node: its values would be guessed;
+// one whose payload is cut keeps its node, which says what the file promised.
+// A length below 2 is read again as data.
+INSTANTIATE_TEST_SUITE_P(
+    Files, JpegChain,
+    ::testing::Values(
+        ChainCase{"SoiAlone", SOI, {"216:0:0"}}, ChainCase{"SoiAndEoi", Concat({SOI, EOI}), {"216:0:0", "217:0:0"}},
+        ChainCase{"LoneFf", {0xFF}, {}}, ChainCase{"EoiFirst", EOI, {}},
+        ChainCase{"ScanUpToEoi",
+                  Concat({SOI, Scan({0xFF, 0x00, 1, 2, 0xFF, 0xD0, 3, 0xFF, 0xC4, 0, 5}), EOI}),
+                  {"216:0:0", "218:6:6", "161:12:11", "217:0:0"}},
+        ChainCase{"BehindEoi",
+                  Concat({SOI, Scan({1}), EOI, {9, 9}, EOI, {7}}),
+                  {"216:0:0", "218:6:6", "161:12:1", "217:0:0", "161:15:2", "217:0:0"}},
+        ChainCase{"SegmentsBehindTheScan",
+                  Concat({SOI, Scan({7, 7}), JpegSegment(0xDB, {1, 2}), ExifApp1(MinimalTiff(true)), {8}, EOI, {9}}),
+                  {"216:0:0", "218:6:6", "161:12:8", "225:24:32", "161:56:1", "217:0:0"}},
+        ChainCase{"FfInFrontOfACode",
+                  {0xFF, 0xD8, 0xFF, 0xFF, 0x00, 0x04, 'a', 'b', 0xFF, 0xD9},
+                  {"216:0:0", "255:6:2", "217:0:0"}},
+        ChainCase{"CutFf", {0xFF, 0xD8, 0xFF}, {"216:0:0"}},
+        ChainCase{"CutLength", {0xFF, 0xD8, 0xFF, 0xDB, 0x00}, {"216:0:0"}},
+        ChainCase{"CutSignature", {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F'}, {"216:0:0"}},
+        ChainCase{"CutPayload", {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x10, 1, 2}, {"216:0:0", "219:6:14"}},
+        ChainCase{"CutScanBeforeAnFf",
+                  {0xFF, 0xD8, 0xFF, 0xDA, 0x00, 0x08, 1, 2, 3, 4, 5, 6, 0x11, 0xFF},
+                  {"216:0:0", "218:6:6", "161:12:1"}},
+        ChainCase{"LengthsBelowTwo",
+                  {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x00, 0xFF, 0xE0, 0x00, 0x01, 0xFF, 0xD9, 0, 0},
+                  {"216:0:0", "219:6:-2", "161:4:2", "224:10:-1", "161:9:1", "217:0:0"}}),
+    [](const ::testing::TestParamInfo<ChainCase> &p) { return p.param.name; });
+
+TEST(JpegLoad, EveryExifSegmentIsParsedAndTheLastIsRemembered)
 {
     std::vector<uint8_t> app0 = JpegSegment(0xE0, std::vector<uint8_t>(14, 'J'));
-    std::vector<uint8_t> tiff = MinimalTiff();
-    tiff.resize(998 - 6);
-    std::vector<uint8_t> file = Concat({SOI, app0, ExifApp1(tiff), EOI});
-    DocPtr doc = LoadBytes(file);
+    DocPtr doc = LoadBytes(Concat({SOI, app0, ExifApp1(MinimalTiff()), ExifApp1(MinimalTiff(true)), EOI}));
     ASSERT_TRUE(doc);
     EXPECT_EQ(FORMAT_JPEG, zExifGetFileFormat(doc.get()));
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "224:6:14", "225:24:998", "217:0:0"}), Chain(doc.get(), true));
-    EXPECT_EQ(doc->m_root->m_next->m_next, doc->m_exifMarker);
-    EXPECT_STREQ("Exif", doc->m_exifMarker->m_sig);
     EXPECT_EQ(1, zExifIsExifExist(doc.get()));
-    EXPECT_EQ(NODE_TIFF_HEADER, doc->m_exifMarker->m_child->m_id);
-    EXPECT_EQ(doc->m_exifMarker, doc->FindIfd(0)->m_parent);
-}
-
-TEST(JpegLoad, SmallestFiles)
-{
-    DocPtr soi = LoadBytes(SOI);
-    ASSERT_TRUE(soi);
-    EXPECT_EQ((std::vector<std::string>{"216"}), Chain(soi.get()));
-    EXPECT_EQ(0, soi->CountIfds());
-    DocPtr pair = LoadBytes(Concat({SOI, EOI}));
-    ASSERT_TRUE(pair);
-    EXPECT_EQ((std::vector<std::string>{"216", "217"}), Chain(pair.get()));
-    EXPECT_FALSE(LoadBytes({0xFF}));
-    EXPECT_FALSE(LoadBytes({0xFF, 0xD9}));
-}
-
-TEST(JpegLoad, ScanDataIsOneRunUpToEoi)
-{
-    std::vector<uint8_t> file = Concat({SOI, Scan({0xFF, 0x00, 1, 2, 0xFF, 0xD0, 3, 0xFF, 0xC4, 0, 5}), EOI});
-    DocPtr doc = LoadBytes(file);
-    ASSERT_TRUE(doc);
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "218:6:6", "161:12:11", "217:0:0"}), Chain(doc.get(), true));
-}
-
-TEST(JpegLoad, BytesBehindEoiGetANodeOnlyInFrontOfAnotherEoi)
-{
-    std::vector<uint8_t> file = Concat({SOI, Scan({1}), EOI, std::vector<uint8_t>{9, 9}, EOI, std::vector<uint8_t>{7}});
-    DocPtr doc = LoadBytes(file);
-    ASSERT_TRUE(doc);
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "218:6:6", "161:12:1", "217:0:0", "161:15:2", "217:0:0"}),
-              Chain(doc.get(), true));
-}
-
-// Before the scan a second FF is taken as the code, not as a fill byte.
-TEST(JpegLoad, AnFfInFrontOfACodeIsACode)
-{
-    DocPtr doc = LoadBytes({0xFF, 0xD8, 0xFF, 0xFF, 0x00, 0x04, 'a', 'b', 0xFF, 0xD9});
-    ASSERT_TRUE(doc);
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "255:6:2", "217:0:0"}), Chain(doc.get(), true));
-}
-
-TEST(JpegLoad, SegmentsAfterTheScanAreDataButApplicationSegmentsStay)
-{
-    std::vector<uint8_t> file = Concat({SOI, Scan({7, 7}), JpegSegment(0xDB, {1, 2}), ExifApp1(MinimalTiff(true)),
-                                        std::vector<uint8_t>{8}, EOI, std::vector<uint8_t>{9, 9, 9}});
-    DocPtr doc = LoadBytes(file);
-    ASSERT_TRUE(doc);
-    EXPECT_EQ((std::vector<std::string>{"216", "218", "225", "161", "217"}), Chain(doc.get()));
-    CMarker *run = static_cast<CMarker *>(FindInChain(doc->m_root, MARKER_SCAN_DATA));
-    EXPECT_EQ(2 + 6 + 1, run->m_size);
+    CNode *first = doc->m_root->m_next->m_next;
+    EXPECT_STREQ("Exif", first->m_sig);
+    EXPECT_EQ(NODE_TIFF_HEADER, first->m_child->m_id);
+    EXPECT_EQ(first->m_next, doc->m_exifMarker);
+    EXPECT_NE(nullptr, doc->m_exifMarker->m_child);
     EXPECT_EQ(1, doc->m_bigEndian);
-    EXPECT_EQ(1, doc->CountIfds());
 }
 
 TEST(JpegLoad, ExifSignaturesAreExact)
 {
-    std::vector<uint8_t> lower = Concat({std::vector<uint8_t>{'e', 'x', 'i', 'f', 0, 0}, MinimalTiff()});
+    std::vector<uint8_t> lower = Concat({{'e', 'x', 'i', 'f', 0, 0}, MinimalTiff()});
     DocPtr doc = LoadBytes(Concat({SOI, JpegSegment(0xE1, lower), EOI}));
     ASSERT_TRUE(doc);
     EXPECT_EQ(0, zExifIsExifExist(doc.get()));
@@ -120,14 +122,17 @@ TEST(JpegLoad, ExifSignaturesAreExact)
     EXPECT_FALSE(LoadBytes(Concat({SOI, ExifApp1(badOrder), EOI})));
 }
 
-TEST(JpegLoad, EveryExifSegmentIsParsedAndTheLastIsRemembered)
+TEST(JpegLoad, ExifBlocksTooShortForAHeaderAreNotParsed)
 {
-    DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(MinimalTiff()), ExifApp1(MinimalTiff(true)), EOI}));
-    ASSERT_TRUE(doc);
-    CNode *first = doc->m_root->m_next;
-    EXPECT_NE(nullptr, first->m_child);
-    EXPECT_EQ(first->m_next, doc->m_exifMarker);
-    EXPECT_NE(nullptr, doc->m_exifMarker->m_child);
+    for (size_t tiffBytes : {0u, 1u, 7u}) {
+        DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(std::vector<uint8_t>(tiffBytes, 'I')), EOI}));
+        ASSERT_TRUE(doc) << tiffBytes;
+        EXPECT_EQ(nullptr, doc->m_exifMarker->m_child);
+        EXPECT_EQ(nullptr, doc->FindExifTag(36867));
+    }
+    DocPtr zero = LoadBytes({0xFF, 0xD8, 0xFF, 0xE1, 0, 0, 'E', 'x', 'i', 'f', 0, 0, 0xFF, 0xD9});
+    ASSERT_TRUE(zero);
+    EXPECT_EQ(0, zExifIsExifExist(zero.get()));
 }
 
 // The places of an Exif block that hold offsets: the first IFD, an
@@ -162,7 +167,7 @@ TEST_P(ExifOffsets, OutsideTheFileAreRefusedOrReadAsNothing)
     DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(BlockWithOffset(param.field, param.offset)), EOI}));
     ASSERT_EQ(param.loads, doc != nullptr);
     if (!doc) return;
-    EXPECT_EQ((std::vector<std::string>{"216", "225", "217"}), Chain(doc.get()));
+    EXPECT_EQ((std::vector<std::string>{"216:0:0", "225:6:70", "217:0:0"}), Chain(*doc));
     if (param.field == FIRST_IFD) {
         EXPECT_EQ(0, doc->CountIfds());
         return;
@@ -174,71 +179,19 @@ TEST_P(ExifOffsets, OutsideTheFileAreRefusedOrReadAsNothing)
     EXPECT_EQ(0, std::memcmp(description->m_data, expected, 8));
 }
 
-INSTANTIATE_TEST_SUITE_P(Places, ExifOffsets,
-                         ::testing::Values(OutsideOffset{FIRST_IFD, 0xFFFFFFF0, false},
-                                           OutsideOffset{FIRST_IFD, 0x7FFFFFF0, true},
-                                           OutsideOffset{VALUE, 0xFFFFFFF0, true},
-                                           OutsideOffset{VALUE, 0x7FFFFFF0, true},
-                                           OutsideOffset{EXIF_POINTER, 0xFFFFFFF0, false},
-                                           OutsideOffset{EXIF_POINTER, 0x7FFFFFF0, false},
-                                           OutsideOffset{NEXT_LINK, 0xFFFFFFF0, false},
-                                           OutsideOffset{NEXT_LINK, 0x7FFFFFF0, true}));
-
-TEST(JpegLoad, ExifBlocksTooShortForAHeaderAreNotParsed)
-{
-    for (size_t tiffBytes : {0u, 1u, 7u}) {
-        std::vector<uint8_t> tiff(tiffBytes, 'I');
-        DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(tiff), EOI}));
-        ASSERT_TRUE(doc) << tiffBytes;
-        EXPECT_EQ(nullptr, doc->m_exifMarker->m_child);
-        EXPECT_EQ(nullptr, doc->FindExifTag(36867));
-    }
-    DocPtr zero = LoadBytes({0xFF, 0xD8, 0xFF, 0xE1, 0, 0, 'E', 'x', 'i', 'f', 0, 0, 0xFF, 0xD9});
-    ASSERT_TRUE(zero);
-    EXPECT_EQ(0, zExifIsExifExist(zero.get()));
-}
-
-// A segment whose length field or signature the file cuts gets no node: its
-// values would be guessed. One whose payload is cut keeps its node, which
-// says what the file promised. A final lone FF ends the run in front of it.
-TEST(JpegLoad, TruncatedFilesEndTheWalkWithoutGuessing)
-{
-    struct Cut {
-        std::vector<uint8_t> file;
-        std::vector<std::string> chain;
-    };
-    for (const Cut &cut : std::vector<Cut>{
-             {{0xFF, 0xD8, 0xFF}, {"216:0:0"}},
-             {{0xFF, 0xD8, 0xFF, 0xDB, 0x00}, {"216:0:0"}},
-             {{0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F'}, {"216:0:0"}},
-             {{0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x10, 1, 2}, {"216:0:0", "219:6:14"}},
-             {{0xFF, 0xD8, 0xFF, 0xDA, 0x00, 0x08, 1, 2, 3, 4, 5, 6, 0x11, 0xFF}, {"216:0:0", "218:6:6", "161:12:1"}},
-         }) {
-        DocPtr doc = LoadBytes(cut.file);
-        ASSERT_TRUE(doc) << cut.file.size();
-        EXPECT_EQ(cut.chain, Chain(doc.get(), true)) << cut.file.size();
-    }
-}
-
-TEST(JpegLoad, LengthsBelowTwoAreReadAgainAsData)
-{
-    DocPtr doc = LoadBytes({0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x00, 0xFF, 0xE0, 0x00, 0x01, 0xFF, 0xD9, 0, 0});
-    ASSERT_TRUE(doc);
-    // The DQT's length field is read again as data; the APP0's length of 1
-    // sends the walk back onto its own second length byte.
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "219:6:-2", "224:10:-1", "161:4:3", "217:0:0"}),
-              Chain(doc.get(), true));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Places, ExifOffsets,
+    ::testing::Values(OutsideOffset{FIRST_IFD, 0xFFFFFFF0, false}, OutsideOffset{FIRST_IFD, 0x7FFFFFF0, true},
+                      OutsideOffset{VALUE, 0xFFFFFFF0, true}, OutsideOffset{VALUE, 0x7FFFFFF0, true},
+                      OutsideOffset{EXIF_POINTER, 0xFFFFFFF0, false}, OutsideOffset{EXIF_POINTER, 0x7FFFFFF0, false},
+                      OutsideOffset{NEXT_LINK, 0xFFFFFFF0, false}, OutsideOffset{NEXT_LINK, 0x7FFFFFF0, true}));
 
 // So many markers would exhaust the stack of a recursive walk or destructor.
 TEST(JpegLoad, AHundredThousandMarkers)
 {
     std::vector<uint8_t> file = SOI;
-    for (int i = 0; i < 100000; i++) {
-        file.insert(file.end(), {0xFF, 0xFE, 0x00, 0x03, uint8_t(i)});
-    }
-    file.insert(file.end(), EOI.begin(), EOI.end());
-    DocPtr doc = LoadBytes(file);
+    for (int i = 0; i < 100000; i++) file.insert(file.end(), {0xFF, 0xFE, 0x00, 0x03, uint8_t(i)});
+    DocPtr doc = LoadBytes(Concat({file, EOI}));
     ASSERT_TRUE(doc);
     EXPECT_EQ(nullptr, FindNode(doc->m_root, 12345));
     EXPECT_EQ(217, FindNode(doc->m_root, 217)->m_id);
