@@ -66,7 +66,7 @@ CExifDoc *zExifLoadFile(const void *path)
         return nullptr;
     }
     doc->m_path = path;
-    if (!ParseDocument(doc)) {
+    if (!ParseDocument(doc) || doc->m_stream->HasFailed()) {
         delete doc;
         return nullptr;
     }

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <new>
 
+#include "platform/fault_point.h"
+
 namespace {
 
 constexpr size_t COPY_CHUNK = 1 << 16;
@@ -53,7 +55,7 @@ int CopyContents(FILE *from, FILE *to)
     int ok = 1;
     size_t got;
     while ((got = std::fread(buffer, 1, COPY_CHUNK, from)) > 0) {
-        if (std::fwrite(buffer, 1, got, to) != got) {
+        if (FaultStrikes(FAULT_COPY) || std::fwrite(buffer, 1, got, to) != got) {
             ok = 0;
             break;
         }
@@ -87,6 +89,10 @@ int CopyAndSync(const std::string &temp, FILE *to)
 
 FILE *CreateNewFile(const std::string &path)
 {
+    if (FaultStrikes(FAULT_OPEN)) {
+        errno = EIO;
+        return nullptr;
+    }
     int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0) return nullptr;
     FILE *file = fdopen(fd, "wb");
@@ -101,7 +107,7 @@ FILE *CreateNewFile(const std::string &path)
 
 int SyncFile(FILE *file)
 {
-    if (std::fflush(file) != 0) return 0;
+    if (FaultStrikes(FAULT_SYNC) || std::fflush(file) != 0) return 0;
     return fsync(fileno(file)) == 0;
 }
 
@@ -109,6 +115,7 @@ int ReplaceFile(const std::string &temp, const std::string &target)
 {
     if (IsDirectory(target)) return 0;
     if (!TakeOverMode(temp, target)) return 0;
+    if (FaultStrikes(FAULT_RENAME)) return 0;
     if (std::rename(temp.c_str(), target.c_str()) == 0) {
         SyncDirectory(DirectoryOf(target));
         return 1;
@@ -126,7 +133,8 @@ int ReplaceByCopy(const std::string &temp, const std::string &target)
     if (copy == nullptr) return 0;
     int ok = CopyAndSync(temp, copy);
     if (std::fclose(copy) != 0) ok = 0;
-    ok = ok && TakeOverMode(copyPath, target) && std::rename(copyPath.c_str(), target.c_str()) == 0;
+    ok = ok && TakeOverMode(copyPath, target) && !FaultStrikes(FAULT_RENAME) &&
+         std::rename(copyPath.c_str(), target.c_str()) == 0;
     if (!ok) {
         RemoveFile(copyPath);
         return 0;

@@ -2,8 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
+
 #include <string>
 
+#include "platform/fault_point.h"
 #include "platform/utf16.h"
 
 namespace {
@@ -14,6 +17,10 @@ constexpr size_t FILE_BUFFER_SIZE = 16384;
 
 FILE *OpenFile(const char *path, const char *mode)
 {
+    if (FaultStrikes(FAULT_OPEN)) {
+        errno = EIO;
+        return nullptr;
+    }
     FILE *file = std::fopen(path, mode);
     if (file != nullptr) std::setvbuf(file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
     return file;

@@ -25,9 +25,17 @@ void CloseAudio(CExifDoc *doc)
     doc->m_audioStream = nullptr;
 }
 
+int StreamFailed(CStreamIO *stream)
+{
+    return stream != nullptr && stream->HasFailed();
+}
+
+// A source or audio file that failed a read or a seek on the way may have
+// given wrong bytes where the writer didn't check, so it fails the save.
 int WriteDocument(CExifDoc *doc, CStreamIO *out)
 {
-    return doc->m_format == FORMAT_JPEG ? SaveJpeg(doc, out) : SaveTiff(doc, out);
+    int ok = doc->m_format == FORMAT_JPEG ? SaveJpeg(doc, out) : SaveTiff(doc, out);
+    return ok && !StreamFailed(doc->m_stream) && !StreamFailed(doc->m_audioStream);
 }
 
 // Every byte must be on the disk before the file goes over the target.

@@ -16,12 +16,18 @@ public:
     int32_t Seek(int whence, int32_t offset) override;
     int32_t Tell() override;
     int IsEof() override;
+    int HasFailed() override { return m_failed; }
 
     // Flushes and closes the file; 1 when every byte reached the file system.
     // The destructor closes an unclosed file without asking.
     int Close();
 
     FILE *m_file;
+    int m_failed = 0;
+
+private:
+    // Marks the stream failed; 0, the count of bytes moved.
+    uint32_t Fail();
 };
 
 #endif

@@ -16,6 +16,7 @@ public:
     int32_t Seek(int whence, int32_t offset) override;
     int32_t Tell() override;
     int IsEof() override;
+    int HasFailed() override { return m_parent->HasFailed(); }
 
     CStreamIO *m_parent;
     int32_t m_start;

@@ -14,6 +14,9 @@ public:
     virtual int32_t Seek(int whence, int32_t offset) = 0;
     virtual int32_t Tell() = 0;
     virtual int IsEof() = 0;
+    // 1 once a read, write or seek went wrong for another reason than the end
+    // of the data: what was read since can't be trusted to be the file.
+    virtual int HasFailed() { return 0; }
     virtual ~CStreamIO() = default;
 };
 

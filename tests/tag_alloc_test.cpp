@@ -1,39 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <new>
 
+#include "support/fault_injection.h"
 #include "support/tree_builder.h"
 #include "support/tree_check.h"
-
-namespace {
-
-// Counts down the non-throwing allocations, nodes and blocks alike, and
-// refuses the one that reaches zero. Negative: no refusal.
-int g_refuseIn = -1;
-
-template <void *(*allocate)(std::size_t)>
-void *Allocate(std::size_t size)
-{
-    if (g_refuseIn >= 0 && g_refuseIn-- == 0) return nullptr;
-    try {
-        return allocate(size);
-    } catch (...) {
-        return nullptr;
-    }
-}
-
-}  // namespace
-
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept
-{
-    return Allocate<::operator new>(size);
-}
-
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept
-{
-    return Allocate<::operator new[]>(size);
-}
 
 namespace {
 
@@ -70,10 +41,9 @@ TEST_P(RefusedAllocation, LeavesTheDocumentAsItWas)
         auto doc = GetParam().make();
         doc->m_bigEndian = 1;
         std::string before = Snapshot(*doc);
-        g_refuseIn = refuse;
+        FaultWindow window(FAULT_ALLOC, uint64_t(refuse) + 1);
         int result = zExifSetTag(doc.get(), uint32_t(GetParam().tag), &value, GetParam().ifd);
-        bool refused = g_refuseIn < 0;
-        g_refuseIn = -1;
+        bool refused = window.Close();
         if (!refused) {
             ASSERT_EQ(0, result);
             EXPECT_GT(refuse, 0);

@@ -2,39 +2,10 @@
 
 #include <cstring>
 #include <functional>
-#include <new>
 
+#include "support/fault_injection.h"
 #include "support/exif_block.h"
 #include "support/thumb_jpeg.h"
-
-namespace {
-
-// Counts down the non-throwing allocations, nodes and blocks alike, and
-// refuses the one that reaches zero. Negative: no refusal.
-int g_refuseIn = -1;
-
-template <void *(*allocate)(std::size_t)>
-void *Allocate(std::size_t size)
-{
-    if (g_refuseIn >= 0 && g_refuseIn-- == 0) return nullptr;
-    try {
-        return allocate(size);
-    } catch (...) {
-        return nullptr;
-    }
-}
-
-}  // namespace
-
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept
-{
-    return Allocate<::operator new>(size);
-}
-
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept
-{
-    return Allocate<::operator new[]>(size);
-}
 
 namespace {
 
@@ -71,10 +42,9 @@ TEST_P(RefusedAllocation, LeavesTheDocumentAsItWas)
         auto file = GetParam().make();
         file->doc->m_format = GetParam().format;
         Snapshot before(*file->doc);
-        g_refuseIn = refuse;
+        FaultWindow window(FAULT_ALLOC, uint64_t(refuse) + 1);
         int result = zExifSetThumbnailData(file->doc.get(), &buffer);
-        bool refused = g_refuseIn < 0;
-        g_refuseIn = -1;
+        bool refused = window.Close();
         if (!refused) {
             ASSERT_EQ(0, result);
             EXPECT_EQ(thumb, GetThumbnail(file->doc.get()));
@@ -140,10 +110,9 @@ TEST(InsertAllocation, FailsWholeOrTakesTheBuffer)
         Snapshot before(*doc);
         ExifBuffer buffer{new unsigned char[bytes.size()], uint32_t(bytes.size())};
         std::memcpy(buffer.data, bytes.data(), bytes.size());
-        g_refuseIn = refuse;
+        FaultWindow window(FAULT_ALLOC, uint64_t(refuse) + 1);
         int result = zExifInsertExifMarker(doc.get(), &buffer);
-        bool refused = g_refuseIn < 0;
-        g_refuseIn = -1;
+        bool refused = window.Close();
         if (result != 0) {
             EXPECT_TRUE(before == Snapshot(*doc)) << refuse;
             delete[] buffer.data;

@@ -58,13 +58,18 @@ int CBlock::Load(CStreamIO *stream, unsigned char **data, int32_t *size)
     if (m_state == BLOCK_NOTHING) return 1;
     if (m_state == BLOCK_ON_FILE) {
         if (m_size < 1 || stream == nullptr) return 0;
-        // Zero-filled, so that a short read leaves no undefined bytes behind.
+        // Zero-filled, so that a short read leaves no undefined bytes behind;
+        // a read that failed leaves the block as it was.
         unsigned char *buffer = new (std::nothrow) unsigned char[m_size]();
         if (buffer == nullptr) return 0;
+        stream->Seek(0, m_offset);
+        stream->Read(buffer, static_cast<uint32_t>(m_size));
+        if (stream->HasFailed()) {
+            delete[] buffer;
+            return 0;
+        }
         delete[] m_data;
         m_data = buffer;
-        stream->Seek(0, m_offset);
-        stream->Read(m_data, static_cast<uint32_t>(m_size));
         m_state = BLOCK_IN_MEMORY;
     }
     *data = m_data;
