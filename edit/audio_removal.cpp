@@ -46,6 +46,16 @@ int DropAudioPlan(CExifDoc *doc)
     return dropped;
 }
 
+int LoadSourceSegments(CExifDoc *doc)
+{
+    for (CMarker *marker = FirstSourceSegment(doc); marker != nullptr; marker = NextSourceSegment(marker)) {
+        int onFile = marker->m_state == BLOCK_ON_FILE && marker->m_size > 0 && doc->m_stream != nullptr;
+        FpxrSegment segment;
+        if (!LoadSegment(doc, marker, &segment) && onFile) return 0;
+    }
+    return 1;
+}
+
 // A later head in the file is removed too, so a stream's completion at its
 // head doesn't end the walk; the completion of a continuation does.
 int RemoveSourceAudio(CExifDoc *doc)

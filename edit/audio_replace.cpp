@@ -45,6 +45,7 @@ int zExifSetAudioFile(CExifDoc *doc, const void *path)
     if (fileSize < 0 || fileSize > INT32_MAX) return -1;
     CNode *place = FindAudioPlace(doc);
     if (place == nullptr) return 0;
+    if (!LoadSourceSegments(doc)) return -1;
     CMarker *chunks = PlanAudioChunks(static_cast<int32_t>(fileSize));
     if (chunks == nullptr) return -1;
     DropAudioPlan(doc);
