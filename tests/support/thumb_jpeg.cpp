@@ -49,6 +49,17 @@ std::vector<uint8_t> GetThumbnail(CExifDoc *doc)
     return bytes;
 }
 
+std::vector<uint8_t> ReaderThumbnail(const std::string &path)
+{
+    CExifReader *reader = zRExifBeginRead(path.c_str());
+    if (reader == nullptr) return {};
+    ExifBuffer out{nullptr, 0};
+    std::vector<uint8_t> bytes;
+    if (zRExifGetThumbnailData(reader, &out) == 0) bytes = BytesOf(out);
+    zRExifEndRead(reader);
+    return bytes;
+}
+
 void DropSource(CExifDoc &doc)
 {
     DeleteStream(doc.m_stream);

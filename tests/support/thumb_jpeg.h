@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "support/memory_jpeg.h"
@@ -37,5 +38,7 @@ ExifBuffer BufferOf(std::vector<uint8_t> &bytes);
 std::vector<uint8_t> BytesOf(const ExifBuffer &buffer);
 // The thumbnail that zExifGetThumbnailData hands out, released; empty on -1.
 std::vector<uint8_t> GetThumbnail(CExifDoc *doc);
+// The thumbnail that a reader of the file hands out; empty when there is none.
+std::vector<uint8_t> ReaderThumbnail(const std::string &path);
 
 #endif
