@@ -1,50 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <cstring>
-
-#include "load/tiff_types.h"
 #include "reader/tif_tag_list.h"
 #include "support/jpeg_files.h"
+#include "support/load_bytes.h"
 #include "support/samples.h"
-#include "support/thumb_jpeg.h"
+#include "support/tag_steps.h"
 #include "support/temp_dir.h"
-#include "tree/document.h"
+#include "support/thumb_jpeg.h"
 #include "tree/walk.h"
-#include "zexif.h"
 
 namespace {
-
-// A tag's value as zExifGetTag hands it out: type, count and bytes.
-struct TagValue {
-    uint32_t type = 0;
-    uint32_t count = 0;
-    std::vector<uint8_t> bytes;
-    bool found = false;
-    bool operator==(const TagValue &o) const
-    {
-        return type == o.type && count == o.count && bytes == o.bytes && found == o.found;
-    }
-};
-
-std::ostream &operator<<(std::ostream &out, const TagValue &v)
-{
-    return out << "type " << v.type << " count " << v.count << " bytes " << v.bytes.size();
-}
-
-TagValue GetTag(CExifDoc *doc, uint32_t tag)
-{
-    TagValue result;
-    ExifTagValue value{0, 0, nullptr};
-    if (zExifGetTag(doc, tag, &value, 0) != 0) return result;
-    result.found = true;
-    result.type = value.type;
-    result.count = value.count;
-    const uint8_t *data = static_cast<const uint8_t *>(value.data);
-    if (data != nullptr) result.bytes.assign(data, data + EntryDataSize(value.type, value.count));
-    std::free(value.data);
-    return result;
-}
 
 // The numbers of the tags in the Exif IFD of a loaded document.
 std::vector<uint32_t> ExifIfdTags(CExifDoc *doc)
@@ -57,18 +22,15 @@ std::vector<uint32_t> ExifIfdTags(CExifDoc *doc)
     return tags;
 }
 
-CExifDoc *SaveAndReload(CExifDoc *doc, const std::string &out)
+// Saves the document to out and gives the saved file loaded again.
+DocPtr SaveAndReload(DocPtr doc, const std::string &out)
 {
-    int saved = zExifSaveFile(doc, out.c_str());
-    zExifDestroy(doc);
-    return saved == 0 ? zExifLoadFile(out.c_str()) : nullptr;
+    return DocPtr(zExifSaveFile(doc.get(), out.c_str()) == 0 ? zExifLoadFile(out.c_str()) : nullptr);
 }
 
 // Its value is a position in the old block, whose sub-IFD the tree never
 // holds: the save leaves it out rather than point into nothing.
 constexpr uint32_t kInteropPointer = 40965;
-
-const char kDate[21] = "2022:01:02 03:04:05";
 
 std::vector<std::string> SamplesWithExif()
 {
@@ -82,35 +44,24 @@ std::vector<std::string> SamplesWithExif()
     return paths;
 }
 
-// A TIFF sample given Exif tags by the library is the source.
-std::string TiffWithExif(const TempDir &dir, const std::vector<std::pair<uint32_t, std::vector<uint8_t>>> &ascii)
-{
-    std::string path = dir.Copy(Sample("tiff/Arbitro.tiff"), "source.tiff");
-    CExifDoc *doc = zExifLoadFile(path.c_str());
-    if (doc == nullptr) return "";
-    for (const auto &[tag, bytes] : ascii) {
-        ExifTagValue value{2, uint32_t(bytes.size()), const_cast<uint8_t *>(bytes.data())};
-        zExifSetTag(doc, tag, &value, 0);
-    }
-    uint32_t exposure[2] = {1, 250};
-    ExifTagValue rational{5, 1, exposure};
-    zExifSetTag(doc, 33434, &rational, 0);
-    uint16_t orientation = 6;
-    ExifTagValue shortValue{3, 1, &orientation};
-    zExifSetTag(doc, 274, &shortValue, 0);
-    int saved = zExifSaveFile(doc, path.c_str());
-    zExifDestroy(doc);
-    return saved == 0 ? path : "";
-}
-
 // The Exif IFD's list from the reader goes into another TIFF file: after a
 // save every tag of the table reads back the same.
 TEST(CopyTiffExif, CarriesTheTableTagsIntoAnotherTiff)
 {
     TempDir dir;
-    std::vector<uint8_t> date(kDate, kDate + 20);
-    std::string source = TiffWithExif(dir, {{36867, date}, {36868, date}});
-    ASSERT_FALSE(source.empty());
+    std::string source = dir.Copy(Sample("tiff/Arbitro.tiff"), "source.tiff");
+    const std::vector<EntryDef> table = {Ascii(36867, "2022:01:02 03:04:05"), Ascii(36868, "2022:01:02 03:04:05"),
+                                         Rational(33434, 1, 250), Short(274, 6)};
+    std::vector<TagStep> sets, gets;
+    for (const EntryDef &entry : table) {
+        sets.push_back(Set(entry, 0));
+        gets.push_back(Get(entry, 0));
+    }
+    DocPtr doc(zExifLoadFile(source.c_str()));
+    ASSERT_TRUE(doc);
+    ASSERT_EQ("", RunSteps(*doc, sets));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), source.c_str()));
+
     CExifReader *reader = zRExifBeginRead(source.c_str());
     ASSERT_NE(nullptr, reader);
     TifTagList *list = nullptr;
@@ -118,32 +69,25 @@ TEST(CopyTiffExif, CarriesTheTableTagsIntoAnotherTiff)
     zRExifEndRead(reader);
     ASSERT_NE(nullptr, list);
 
-    std::string target = dir.Copy(Sample("tiff/Jobagent.tiff"), "target.tiff");
-    CExifDoc *doc = zExifLoadFile(target.c_str());
-    ASSERT_NE(nullptr, doc);
-    ASSERT_EQ(0, zExifSetTIFExifData(doc, list));
-    CExifDoc *copy = SaveAndReload(doc, dir.Path("out.tiff"));
-    ASSERT_NE(nullptr, copy);
-    CExifDoc *original = zExifLoadFile(source.c_str());
-    for (uint32_t tag : {36867u, 36868u, 33434u, 274u}) EXPECT_EQ(GetTag(original, tag), GetTag(copy, tag)) << tag;
-    EXPECT_TRUE(GetTag(copy, 36867).found);
-    zExifDestroy(original);
-    zExifDestroy(copy);
+    DocPtr target(zExifLoadFile(dir.Copy(Sample("tiff/Jobagent.tiff"), "target.tiff").c_str()));
+    ASSERT_TRUE(target);
+    ASSERT_EQ(0, zExifSetTIFExifData(target.get(), list));
+    DocPtr copy = SaveAndReload(std::move(target), dir.Path("out.tiff"));
+    ASSERT_TRUE(copy);
+    EXPECT_EQ("", RunSteps(*copy, gets));
 }
 
-class CopyExif : public ::testing::TestWithParam<std::string> {};
+class SampleExif : public ::testing::TestWithParam<std::string> {};
 
 // The raw segment of the source goes into a plain JPEG through the two
 // families; after a save every tag of the source's Exif IFD reads back the
-// same, and the target's image data is untouched.
-TEST_P(CopyExif, CarriesTheExifIfdIntoAPlainJpeg)
+// same, with the thumbnail, and the target's image data is untouched.
+TEST_P(SampleExif, CopiedIntoAPlainJpeg)
 {
     TempDir dir;
     std::vector<uint8_t> plain = PlainJpeg(dir.m_path, 64, 48);
     if (plain.empty()) GTEST_SKIP() << "cjpeg missing";
     std::string source = dir.Copy(GetParam(), "source.jpg");
-    std::string target = dir.Write("target.jpg", plain);
-
     CExifReader *reader = zRExifBeginRead(source.c_str());
     ASSERT_NE(nullptr, reader);
     ExifBuffer raw{nullptr, 0};
@@ -151,41 +95,35 @@ TEST_P(CopyExif, CarriesTheExifIfdIntoAPlainJpeg)
     zRExifEndRead(reader);
     if (got != 0) GTEST_SKIP() << "no Exif segment";
 
-    CExifDoc *doc = zExifLoadFile(target.c_str());
-    ASSERT_NE(nullptr, doc);
-    ASSERT_EQ(0, zExifInsertExifMarker(doc, &raw));
-    CExifDoc *copy = SaveAndReload(doc, dir.Path("out.jpg"));
-    ASSERT_NE(nullptr, copy);
+    DocPtr doc(zExifLoadFile(dir.Write("target.jpg", plain).c_str()));
+    ASSERT_TRUE(doc);
+    ASSERT_EQ(0, zExifInsertExifMarker(doc.get(), &raw));
+    DocPtr copy = SaveAndReload(std::move(doc), dir.Path("out.jpg"));
+    ASSERT_TRUE(copy);
     EXPECT_EQ(ScanDataOf(plain), ScanDataOf(ReadFileBytes(dir.Path("out.jpg"))));
-    CExifDoc *original = zExifLoadFile(source.c_str());
-    ASSERT_NE(nullptr, original);
-    std::vector<uint32_t> tags = ExifIfdTags(original);
+    DocPtr original(zExifLoadFile(source.c_str()));
+    ASSERT_TRUE(original);
+    std::vector<uint32_t> tags = ExifIfdTags(original.get());
     for (uint32_t tag : tags) {
         if (tag == kInteropPointer) continue;
-        EXPECT_EQ(GetTag(original, tag), GetTag(copy, tag)) << "tag " << tag;
+        GotTag want = GetTag(original.get(), tag, 0);
+        GotTag have = GetTag(copy.get(), tag, 0);
+        EXPECT_TRUE(want.type == have.type && want.count == have.count && want.bytes == have.bytes) << tag;
     }
-    EXPECT_EQ(tags.size(), ExifIfdTags(copy).size() + (GetTag(original, kInteropPointer).found ? 1 : 0));
-    EXPECT_EQ(GetThumbnail(original), GetThumbnail(copy));
-    zExifDestroy(original);
-    zExifDestroy(copy);
+    EXPECT_EQ(tags.size(), ExifIfdTags(copy.get()).size() + (GetTag(original.get(), kInteropPointer, 0).result == 0));
+    EXPECT_EQ(GetThumbnail(original.get()), GetThumbnail(copy.get()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, CopyExif, ::testing::ValuesIn(SamplesWithExif()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
-
-class RemoveApp1 : public ::testing::TestWithParam<std::string> {};
-
 // No Exif and no GPS data reach the saved file; the image data stays.
-TEST_P(RemoveApp1, LeavesNoExifInTheSavedFile)
+TEST_P(SampleExif, RemovedWithItsApp1)
 {
     TempDir dir;
     std::string path = dir.Copy(GetParam(), "in.jpg");
-    CExifDoc *doc = zExifLoadFile(path.c_str());
-    if (doc == nullptr) GTEST_SKIP() << "not loadable";
-    ASSERT_EQ(0, zExifRemoveMarker(doc, 0xE1, 0));
+    DocPtr doc(zExifLoadFile(path.c_str()));
+    ASSERT_TRUE(doc);
+    ASSERT_EQ(0, zExifRemoveMarker(doc.get(), 0xE1, 0));
     std::string out = dir.Path("out.jpg");
-    ASSERT_EQ(0, zExifSaveFile(doc, out.c_str()));
-    zExifDestroy(doc);
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), out.c_str()));
 
     std::vector<uint8_t> saved = ReadFileBytes(out);
     for (const JpegSegmentView &segment : SegmentsOf(saved)) EXPECT_NE(0xE1, segment.code);
@@ -199,7 +137,9 @@ TEST_P(RemoveApp1, LeavesNoExifInTheSavedFile)
     EXPECT_EQ(ScanDataOf(ReadFileBytes(path)), ScanDataOf(saved));
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, RemoveApp1, ::testing::ValuesIn(SamplesWithExif()),
-                         [](const ::testing::TestParamInfo<std::string> &param) { return SampleTestName(param.param); });
+INSTANTIATE_TEST_SUITE_P(Samples, SampleExif, ::testing::ValuesIn(SamplesWithExif()),
+                         [](const ::testing::TestParamInfo<std::string> &param) {
+                             return SampleTestName(param.param);
+                         });
 
 }  // namespace

@@ -3,36 +3,30 @@
 #include <cstring>
 
 #include "reader/tif_tag_list.h"
+#include "support/tag_steps.h"
 #include "support/thumb_tree.h"
+#include "support/tree_check.h"
 #include "tree/walk.h"
-#include "zexif.h"
 
 namespace {
 
-// A list as the reader makes it: malloc'd list, items and data.
-struct ListItem {
-    uint32_t tag;
-    uint32_t type;
-    uint32_t count;
-    std::vector<uint8_t> data;  // empty: null data
-};
-
-TifTagList *MakeList(const std::vector<ListItem> &items)
+// A list as the reader makes it, malloc'd list, items and data, of the tags
+// of these entries; an entry of no bytes gets null data.
+TifTagList *MakeList(const std::vector<EntryDef> &entries)
 {
-    TifTagList *list = AllocTifTagList(int32_t(items.size()));
-    for (const ListItem &def : items) {
-        TifTagItem *item = AllocTifTagItem(uint32_t(def.data.size()));
-        item->tag = def.tag;
-        item->type = def.type;
-        item->count = def.count;
-        if (!def.data.empty()) std::memcpy(item->data, def.data.data(), def.data.size());
+    TifTagList *list = AllocTifTagList(int32_t(entries.size()));
+    for (const EntryDef &entry : entries) {
+        TifTagItem *item = AllocTifTagItem(uint32_t(entry.bytes.size()));
+        item->tag = uint32_t(entry.tag);
+        item->type = entry.type;
+        item->count = entry.count;
+        if (!entry.bytes.empty()) std::memcpy(item->data, entry.bytes.data(), entry.bytes.size());
         AddTifTagItem(list, item);
     }
     return list;
 }
 
-const std::vector<uint8_t> kDate = {'2', '0', '2', '0', ':', '0', '1', ':', '0', '2', ' ', '0',
-                                    '3', ':', '0', '4', ':', '0', '5', 0};
+const EntryDef kDate = Ascii(36867, "2020:01:02 03:04:05");
 
 struct TiffDoc : ::testing::Test {
     void SetUp() override
@@ -43,46 +37,31 @@ struct TiffDoc : ::testing::Test {
     CExifDoc doc;
 };
 
-// Only tags of the Exif IFD are taken, orientation among them; the list is
+// Only tags of the Exif IFD are taken, orientation among them, into a new
+// Exif IFD or over what it holds. Items without the bytes that their type
+// and count need are passed over, and so are missing items. The list is
 // released on success.
-TEST_F(TiffDoc, PoursTableTagsIntoANewExifIfd)
+TEST_F(TiffDoc, PoursTableTagsIntoTheExifIfd)
 {
-    TifTagList *list = MakeList({{271, 2, 4, {'N', 'e', 'w', 0}}, {36867, 2, 20, kDate}, {274, 3, 1, {6, 0}}});
-    ASSERT_EQ(0, zExifSetTIFExifData(&doc, list));
-    EXPECT_EQ("1 2:0[3:3 256 271 34665[3:2 274 36867 60] 60]", TreeShape(doc));
-    EXPECT_EQ(0x6D6143u, AsTag(FindNode(doc.m_root, 271))->m_value);
+    ASSERT_EQ(0, zExifSetTIFExifData(&doc, MakeList({Ascii(271, "New"), kDate, Short(274, 6), Short(41986, 0)})));
+    EXPECT_EQ("1 2:0[3:3 256 271 34665[3:3 274 36867 41986 60] 60]", Outline(doc));
+    EXPECT_EQ("", RunSteps(doc, {Get(Ascii(271, "Cam"), 0), Get(kDate, 0), Get(Short(274, 6), 0)}));
     EXPECT_EQ(1, zExifIsExifExist(&doc));
-    ExifTagValue value{0, 0, nullptr};
-    ASSERT_EQ(0, zExifGetTag(&doc, 36867, &value, 0));
-    EXPECT_EQ(0, std::memcmp(kDate.data(), value.data, kDate.size()));
-    std::free(value.data);
-}
 
-TEST_F(TiffDoc, ReplacesWhatTheExifIfdHolds)
-{
-    ASSERT_EQ(0, zExifSetTIFExifData(&doc, MakeList({{41986, 3, 1, {0, 0}}})));
-    ASSERT_EQ(0, zExifSetTIFExifData(&doc, MakeList({{41986, 3, 1, {1, 0}}})));
-    EXPECT_EQ("1 2:0[3:3 256 271 34665[3:1 41986 60] 60]", TreeShape(doc));
-    EXPECT_EQ(1u, AsTag(FindNode(doc.m_exifIfdTag, 41986))->m_value);
-}
-
-// Items without the bytes that their type and count need are passed over, and
-// so are missing items.
-TEST_F(TiffDoc, PassesOverItemsWithoutTheirBytes)
-{
-    TifTagList *list = MakeList({{36867, 2, 20, {}}, {41987, 99, 3, {}}, {41986, 3, 0, {}}, {41988, 5, 1, {}}});
-    TifTagItem *missing = list->items[3];
-    list->items[3] = nullptr;
-    std::free(missing);
+    TifTagList *list = MakeList({Short(41986, 1), EntryDef{36868, 2, 20, {}, {}}, EntryDef{41987, 99, 3, {}, {}},
+                                 EntryDef{41988, 5, 1, {}, {}}, EntryDef{41990, 3, 0, {}, {}}, Short(41989, 1)});
+    std::free(list->items[5]);
+    list->items[5] = nullptr;
     ASSERT_EQ(0, zExifSetTIFExifData(&doc, list));
-    EXPECT_EQ("1 2:0[3:3 256 271 34665[3:2 41986 41987 60] 60]", TreeShape(doc));
+    EXPECT_EQ("1 2:0[3:3 256 271 34665[3:5 274 36867 41986 41987 41990 60] 60]", Outline(doc));
+    EXPECT_EQ("", RunSteps(doc, {Get(Short(41986, 1), 0)}));
 }
 
 TEST(SetTIFExifData, RefusesOtherDocumentsAndKeepsTheList)
 {
     CExifDoc jpeg;
     jpeg.m_format = FORMAT_JPEG;
-    TifTagList *list = MakeList({{36867, 2, 20, kDate}});
+    TifTagList *list = MakeList({kDate});
     EXPECT_EQ(-1, zExifSetTIFExifData(&jpeg, list));
     EXPECT_EQ(36867u, list->items[0]->tag);
     FreeTifTagList(list);
