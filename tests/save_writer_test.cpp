@@ -6,6 +6,7 @@
 #include "load/tiff_types.h"
 #include "save/block_size.h"
 #include "save/exif_writer.h"
+#include "save/strip_list.h"
 #include "streams/memory_stream.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
@@ -15,302 +16,324 @@
 
 namespace {
 
-struct Written {
-    bool ok = false;
-    int64_t computed = 0;
-    std::vector<uint8_t> bytes;
-};
+// A source file whose byte at position p is p mod 251, so that every strip
+// has bytes of its own.
+std::vector<uint8_t> Pattern(size_t size)
+{
+    std::vector<uint8_t> bytes(size);
+    for (size_t i = 0; i < size; i++) bytes[i] = uint8_t(i % 251);
+    return bytes;
+}
+
+std::vector<uint8_t> At(size_t offset, size_t size)
+{
+    std::vector<uint8_t> pattern = Pattern(offset + size);
+    return std::vector<uint8_t>(pattern.begin() + long(offset), pattern.end());
+}
 
 CNode *HeaderOf(CExifDoc &doc)
 {
     return FindInChain(doc.m_root, NODE_TIFF_HEADER);
 }
 
-// Sizes the block, writes it into a memory block of exactly that size, and
-// checks that the writer filled it to the last byte.
-Written WriteBlock(CExifDoc &doc, const BlockSource &source = {})
+// Prepares the strips, sizes the block, writes it into a memory block of
+// exactly that size and checks that the writer filled it to the last byte;
+// empty on failure. The source holds sourceSize bytes of the pattern.
+std::vector<uint8_t> Write(CExifDoc &doc, size_t sourceSize = 0, bool strict = true)
 {
-    Written written;
-    written.computed = ComputeExifSize(source, HeaderOf(doc));
-    if (written.computed < 1) return written;
-    written.bytes.assign(size_t(written.computed), 0xEE);
-    CStreamObj out(written.bytes.data(), int32_t(written.computed));
+    std::vector<uint8_t> file = Pattern(sourceSize);
+    CStreamObj stream(file.data(), int32_t(file.size()));
+    BlockSource source;
+    source.m_stream = sourceSize > 0 ? &stream : nullptr;
+    source.m_size = int64_t(sourceSize);
+    source.m_strictImages = strict;
+    if (!PrepareStrips(HeaderOf(doc))) return {};
+    int64_t size = ComputeExifSize(source, HeaderOf(doc));
+    if (size < 1) return {};
+    std::vector<uint8_t> bytes(size_t(size), 0xEE);
+    CStreamObj out(bytes.data(), int32_t(size));
     CExifWriter writer(&out, source);
-    written.ok = writer.WriteTiff(HeaderOf(doc)) && writer.m_end == written.computed;
-    return written;
+    if (!writer.WriteTiff(HeaderOf(doc)) || writer.m_end != size) return {};
+    return bytes;
 }
 
-uint32_t U32At(const std::vector<uint8_t> &bytes, size_t pos)
-{
-    uint32_t v = 0;
-    std::memcpy(&v, bytes.data() + pos, 4);
-    return v;
-}
-
-uint16_t U16At(const std::vector<uint8_t> &bytes, size_t pos)
-{
-    return uint16_t(bytes[pos] | bytes[pos + 1] << 8);
-}
-
-std::unique_ptr<CExifDoc> Tiff(const std::vector<IfdDef> &ifds)
-{
-    return TreeBuilder(FORMAT_TIFF).TiffBlock(ifds).Take();
-}
-
-EntryDef Raw(int32_t tag, uint32_t type, uint32_t count, const std::vector<uint8_t> &bytes)
-{
-    return {tag, type, count, bytes, {}};
-}
-
-TEST(WriterLayout, ExifIfdBehindIfd0Values)
-{
-    auto doc = Tiff({{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, "2008:05:30 15:56:01")})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(2).Entry(271, 2, 6, 38).Entry(34665, 4, 1, 44).U32(0).Text("Canon").U8(0);
-    expected.U16(1).Entry(36867, 2, 20, 62).U32(0).Text("2008:05:30 15:56:01").U8(0);
-    EXPECT_EQ(82, w.computed);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-TEST(WriterLayout, SingleInlineShort)
-{
-    auto doc = Tiff({{Short(274, 6)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 6).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-struct SlotCase {
-    uint32_t type;
-    std::vector<uint8_t> bytes;
-    bool inlineValue;
+// The IFDs, the source's size, and the bytes written: exactly these, or, for
+// none, a block that loads back with the same tags.
+struct WriteCase {
+    const char *name;
+    std::vector<IfdDef> ifds;
+    size_t sourceSize;
+    std::vector<uint8_t> expected;
 };
 
-class WriterSlot : public ::testing::TestWithParam<SlotCase> {};
+void PrintTo(const WriteCase &c, std::ostream *os)
+{
+    *os << c.name;
+}
+
+class WriteBlock : public ::testing::TestWithParam<WriteCase> {};
+
+TEST_P(WriteBlock, LaysOutWhatTheTreeHolds)
+{
+    auto doc = TiffDoc(GetParam().ifds);
+    std::vector<uint8_t> out = Write(*doc, GetParam().sourceSize);
+    ASSERT_FALSE(out.empty());
+    if (!GetParam().expected.empty()) {
+        EXPECT_EQ(GetParam().expected, out);
+        return;
+    }
+    DocPtr back = LoadBytes(out);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(TagRecords(*doc), TagRecords(*back));
+}
+
+WriteCase Writes(const char *name, const std::vector<IfdDef> &ifds, const ByteBuilder &expected, size_t sourceSize = 0)
+{
+    return {name, ifds, sourceSize, expected.m_bytes};
+}
+
+// The bytes of a block of one IFD, its entries and link written by entries.
+ByteBuilder OneIfd(uint16_t count)
+{
+    ByteBuilder b;
+    b.TiffHeader(8).U16(count);
+    return b;
+}
 
 // A value that fits stands in the slot as the tree holds it; any other goes
 // behind the link, at 26 in a block of one entry.
-TEST_P(WriterSlot, InlineOrBehindTheLink)
+WriteCase Slot(const char *name, uint32_t type, const std::vector<uint8_t> &bytes)
 {
-    const SlotCase &c = GetParam();
-    auto doc = Tiff({{Bytes(700, c.type, c.bytes)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    if (c.inlineValue) {
-        std::vector<uint8_t> slot(w.bytes.begin() + 18, w.bytes.begin() + 18 + long(c.bytes.size()));
-        EXPECT_EQ(c.bytes, slot);
-        EXPECT_EQ(26, w.computed);
-    } else {
-        EXPECT_EQ(26u, U32At(w.bytes, 18));
-        EXPECT_EQ(c.bytes, std::vector<uint8_t>(w.bytes.begin() + 26, w.bytes.end()));
-    }
+    ByteBuilder b = OneIfd(1);
+    EntryDef entry = Bytes(700, type, bytes);
+    if (bytes.size() <= 4) return Writes(name, {{entry}}, b.EntryRaw(700, uint16_t(type), entry.count, bytes).U32(0));
+    return Writes(name, {{entry}}, b.Entry(700, uint16_t(type), entry.count, 26).U32(0).Bytes(bytes));
 }
 
-INSTANTIATE_TEST_SUITE_P(Types, WriterSlot,
-                         ::testing::Values(SlotCase{TIFF_RATIONAL, {1, 0, 0, 0, 2, 0, 0, 0}, false},
-                                           SlotCase{TIFF_ASCII, {'a', 'b', 'c', 0}, true},
-                                           SlotCase{TIFF_ASCII, {'a', 'b', 'c', 'd', 0}, false},
-                                           SlotCase{TIFF_SHORT, {1, 0, 2, 0}, true},
-                                           SlotCase{TIFF_SHORT, {1, 0, 2, 0, 3, 0}, false},
-                                           SlotCase{TIFF_LONG, {7, 0, 0, 0}, true},
-                                           SlotCase{TIFF_LONG, {7, 0, 0, 0, 8, 0, 0, 0}, false},
-                                           SlotCase{TIFF_UNDEFINED, {9, 8, 7, 6}, true},
-                                           SlotCase{TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}, false}));
+const char *const kDate = "2008:05:30 15:56:01";
 
-TEST(WriterLayout, OutOfLineValuesFollowEachOtherWithoutPadding)
-{
-    auto doc = Tiff({{Ascii(270, "abcd"), Ascii(271, "efghi")}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    EXPECT_EQ(38u, U32At(w.bytes, 18));
-    EXPECT_EQ(43u, U32At(w.bytes, 30));
-    EXPECT_EQ(49, w.computed);
-}
-
-TEST(WriterLayout, LongOfCountZeroPointsAtTheFreePlaceAndStoresNothing)
-{
-    auto doc = Tiff({{Raw(700, TIFF_LONG, 0, {})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    EXPECT_EQ(26, w.computed);
-    EXPECT_EQ(26u, U32At(w.bytes, 18));
-}
-
-TEST(WriterLayout, UnknownTypeKeepsItsSlotWhateverItsCount)
-{
-    auto doc = Tiff({{Raw(700, 13, 7, {1, 2, 3, 4})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).EntryRaw(700, 13, 7, {1, 2, 3, 4}).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-// Tag numbers that are also structural ids are tags like any other: no
-// entry goes missing and the table has no hole.
-TEST(WriterLayout, TagsNumberedLikeStructuralNodesAreWritten)
-{
-    IfdDef gps = {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)};
-    auto doc = Tiff({{Short(60, 5), Short(70, 7), Pointer(34853, gps)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    EXPECT_EQ(3, U16At(w.bytes, 8));
-    EXPECT_EQ(60, U16At(w.bytes, 10));
-    EXPECT_EQ(70, U16At(w.bytes, 22));
-    DocPtr back = LoadBytes(w.bytes);
-    ASSERT_TRUE(back);
-    EXPECT_EQ(TagRecords(*doc), TagRecords(*back));
-}
-
-TEST(WriterLayout, GpsIfdInsideTheExifIfdIsSizedAndWritten)
-{
-    auto doc = Tiff({{Short(274, 1), Pointer(34665, {Ascii(36867, "2008:05:30 15:56:01"),
-                                                      Pointer(34853, {Ascii(1, "N"), Rational(2, 1, 2)})})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    DocPtr back = LoadBytes(w.bytes);
-    ASSERT_TRUE(back);
-    EXPECT_EQ(TagRecords(*doc), TagRecords(*back));
-}
-
-TEST(WriterLayout, SecondIfdFollowsEverythingOfTheFirst)
-{
-    auto doc = Tiff({{Short(274, 1), Pointer(34665, {Ascii(36867, "2008:05:30 15:56:01")}),
-                      Pointer(34853, {Ascii(1, "N")})},
-                     {Short(259, 6)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    int64_t ifd0 = ComputeIfdSize(BlockSource{}, doc->FindIfd(0), 0);
-    uint32_t link0 = U32At(w.bytes, 8 + 2 + 3 * 12);
-    EXPECT_EQ(uint32_t(8 + ifd0), link0);
-    EXPECT_EQ(1, U16At(w.bytes, link0));
-    EXPECT_EQ(0u, U32At(w.bytes, link0 + 2 + 12));
-    EXPECT_EQ(size_t(link0 + 18), w.bytes.size());
-}
-
-TEST(WriterLayout, JpegThumbnailIsLastAndItsLengthTheBytesWritten)
-{
-    auto doc = Tiff({{Short(274, 1)}, {Short(259, 6), Long(513, 9999), Long(514, 3)}});
-    std::vector<uint8_t> thumb = {0xFF, 0xD8, 1, 2, 3, 0xFF, 0xD9};
-    doc->m_thumbTag->SetData(thumb.data(), int32_t(thumb.size()));
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    size_t ifd1 = 26;
-    EXPECT_EQ(uint32_t(ifd1 + 2 + 36 + 4), U32At(w.bytes, ifd1 + 2 + 12 + 8));
-    EXPECT_EQ(uint32_t(thumb.size()), U32At(w.bytes, ifd1 + 2 + 24 + 8));
-    EXPECT_EQ(thumb, std::vector<uint8_t>(w.bytes.end() - long(thumb.size()), w.bytes.end()));
-}
-
-// 40965 as a load leaves it has no chain: the Interop IFD isn't in the tree,
-// so its pointer is left out rather than pointing at whatever follows.
-TEST(WriterPointers, ChildlessInteropPointerIsDropped)
-{
-    auto doc = Tiff({{Pointer(34665, {Short(40961, 1), Long(40965, 1234)})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    uint32_t exif = U32At(w.bytes, 18);
-    EXPECT_EQ(1, U16At(w.bytes, exif));
-    EXPECT_EQ(40961, U16At(w.bytes, exif + 2));
-    EXPECT_EQ(size_t(exif + 18), w.bytes.size());
-}
-
-TEST(WriterPointers, InteropIfdWithAChainIsWritten)
-{
-    auto doc = Tiff({{Pointer(34665, {Short(40961, 1), Pointer(40965, {Ascii(1, "R98")})})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    uint32_t exif = U32At(w.bytes, 18);
-    uint32_t interop = U32At(w.bytes, exif + 2 + 12 + 8);
-    EXPECT_EQ(exif + 2 + 24 + 4, interop);
-    EXPECT_EQ(1, U16At(w.bytes, interop));
-    EXPECT_EQ(1, U16At(w.bytes, interop + 2));
-}
-
-TEST(WriterPointers, SubIfdWhoseEntriesAreAllDroppedTakesItsPointerAlong)
-{
-    auto doc = Tiff({{Short(274, 1), Pointer(34665, {Long(40965, 1234)})}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 1).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-// A reader refuses an IFD of no entries, so an emptied IFD is left out of
-// the chain, and a block without IFDs says so in its header.
-TEST(WriterPointers, EmptyIfdsAreLeftOut)
-{
-    auto doc = Tiff({{Long(40965, 1)}, {Short(259, 6)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).Entry(259, 3, 1, 6).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-
-    auto empty = Tiff({});
-    Written header = WriteBlock(*empty);
-    ASSERT_TRUE(header.ok);
-    EXPECT_EQ((std::vector<uint8_t>{'I', 'I', 42, 0, 0, 0, 0, 0}), header.bytes);
-}
-
-// Offsets into the source that nothing in the tree describes would point at
-// whatever the rewrite puts there.
-TEST(WriterPointers, OffsetsThatCantBeMovedAreDropped)
-{
-    auto doc = Tiff({{Short(274, 1), Long(288, 100), Long(289, 10), Long(330, 500), Long(513, 77)}});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 1).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-// An entry of type 0 would make the whole file unreadable to a loader.
-TEST(WriterPointers, EntriesOfTypeZeroAreDropped)
-{
-    auto doc = Tiff({{Short(274, 1), Short(275, 2)}});
-    AsTag(FindNode(doc->m_root, 275))->m_type = 0;
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    ByteBuilder expected;
-    expected.TiffHeader(8).U16(1).Entry(274, 3, 1, 1).U32(0);
-    EXPECT_EQ(expected.m_bytes, w.bytes);
-}
-
-TEST(WriterLimits, IfdOf101TagsIsWritten)
+IfdDef ManyTags(int count)
 {
     IfdDef many;
-    for (int i = 0; i < 101; i++) many.push_back(Short(1000 + i, uint16_t(i)));
-    auto doc = Tiff({many});
-    Written w = WriteBlock(*doc);
-    ASSERT_TRUE(w.ok);
-    EXPECT_EQ(101, U16At(w.bytes, 8));
-    EXPECT_EQ(8 + 2 + 101 * 12 + 4, w.computed);
+    for (int i = 0; i < count; i++) many.push_back(Short(1000 + i, uint16_t(i)));
+    return many;
 }
 
-TEST(WriterLimits, BlockThatDoesntFitItsStreamFails)
+ByteBuilder ManyEntries(uint16_t count)
 {
-    auto doc = Tiff({{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, "2008:05:30 15:56:01")})}});
+    ByteBuilder b = OneIfd(count);
+    for (uint16_t i = 0; i < count; i++) b.Entry(uint16_t(1000 + i), 3, 1, i);
+    return b.U32(0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, WriteBlock,
+    ::testing::Values(
+        Writes("ExifIfdBehindIfd0Values", {{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, kDate)})}},
+               OneIfd(2)
+                   .Entry(271, 2, 6, 38)
+                   .Entry(34665, 4, 1, 44)
+                   .U32(0)
+                   .Text("Canon")
+                   .U8(0)
+                   .U16(1)
+                   .Entry(36867, 2, 20, 62)
+                   .U32(0)
+                   .Text(kDate)
+                   .U8(0)),
+        Slot("RationalBehind", TIFF_RATIONAL, {1, 0, 0, 0, 2, 0, 0, 0}),
+        Slot("AsciiInline", TIFF_ASCII, {'a', 'b', 'c', 0}), Slot("AsciiBehind", TIFF_ASCII, {'a', 'b', 'c', 'd', 0}),
+        Slot("ShortsInline", TIFF_SHORT, {1, 0, 2, 0}), Slot("ShortsBehind", TIFF_SHORT, {1, 0, 2, 0, 3, 0}),
+        Slot("LongInline", TIFF_LONG, {7, 0, 0, 0}), Slot("LongsBehind", TIFF_LONG, {7, 0, 0, 0, 8, 0, 0, 0}),
+        Slot("UndefinedInline", TIFF_UNDEFINED, {9, 8, 7, 6}),
+        Slot("DoubleBehind", TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}),
+        Writes("ValuesBehindEachOtherUnpadded", {{Ascii(270, "abcd"), Ascii(271, "efghi")}},
+               OneIfd(2).Entry(270, 2, 5, 38).Entry(271, 2, 6, 43).U32(0).Text("abcd").U8(0).Text("efghi").U8(0)),
+        Writes("LongOfCountZero", {{Bytes(700, TIFF_LONG, {})}}, OneIfd(1).Entry(700, 4, 0, 26).U32(0)),
+        Writes("UnknownTypeKeepsItsSlot", {{EntryDef{700, 13, 7, {1, 2, 3, 4}, {}}}},
+               OneIfd(1).EntryRaw(700, 13, 7, {1, 2, 3, 4}).U32(0)),
+        Writes("AHundredAndOneTags", {ManyTags(101)}, ManyEntries(101))),
+    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+
+// Sub-IFDs at any depth are sized and written, tags numbered like structural
+// nodes included. Offsets into the source that nothing in the tree describes
+// would point at whatever the rewrite puts there, and a reader refuses an IFD
+// of no entries: such entries, IFDs and their pointers are left out.
+INSTANTIATE_TEST_SUITE_P(
+    Pointers, WriteBlock,
+    ::testing::Values(
+        WriteCase{
+            "StructuralNumbers",
+            {{Short(60, 5), Short(70, 7), Pointer(34853, {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)})}},
+            0,
+            {}},
+        WriteCase{"GpsInsideTheExifIfd",
+                  {{Short(274, 1),
+                    Pointer(34665, {Ascii(36867, kDate), Pointer(34853, {Ascii(1, "N"), Rational(2, 1, 2)})})}},
+                  0,
+                  {}},
+        WriteCase{
+            "SecondIfdBehindAllOfTheFirst",
+            {{Short(274, 1), Pointer(34665, {Ascii(36867, kDate)}), Pointer(34853, {Ascii(1, "N")})}, {Short(259, 6)}},
+            0,
+            {}},
+        Writes("InteropIfdWithAChain", {{Pointer(34665, {Short(40961, 1), Pointer(40965, {Ascii(1, "R98")})})}},
+               OneIfd(1)
+                   .Entry(34665, 4, 1, 26)
+                   .U32(0)
+                   .U16(2)
+                   .Entry(40961, 3, 1, 1)
+                   .Entry(40965, 4, 1, 56)
+                   .U32(0)
+                   .U16(1)
+                   .EntryRaw(1, 2, 4, {'R', '9', '8', 0})
+                   .U32(0)),
+        Writes("ChildlessInteropPointer", {{Pointer(34665, {Short(40961, 1), Long(40965, 1234)})}},
+               OneIfd(1).Entry(34665, 4, 1, 26).U32(0).U16(1).Entry(40961, 3, 1, 1).U32(0)),
+        Writes("SubIfdEmptiedByDrops", {{Short(274, 1), Pointer(34665, {Long(40965, 1234)})}},
+               OneIfd(1).Entry(274, 3, 1, 1).U32(0)),
+        Writes("EmptiedIfd", {{Long(40965, 1)}, {Short(259, 6)}}, OneIfd(1).Entry(259, 3, 1, 6).U32(0)),
+        Writes("NoIfds", {}, ByteBuilder().TiffHeader(0)),
+        Writes("OffsetsThatCantMove", {{Short(274, 1), Long(288, 100), Long(289, 10), Long(330, 500), Long(513, 77)}},
+               OneIfd(1).Entry(274, 3, 1, 1).U32(0))),
+    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+
+// The strip arrays stand among the values in entry order, the strips behind
+// them in index order, whatever their order in the source; SHORT tags come
+// out as LONGs, and one strip stands right behind the link. Tiles are
+// patched like strips, and strips win when an IFD has both. Each IFD has its
+// own image data or none.
+INSTANTIATE_TEST_SUITE_P(
+    Strips, WriteBlock,
+    ::testing::Values(Writes("ShortStrips",
+                             {{Numbers(273, TIFF_SHORT, {150, 100, 50}), Numbers(279, TIFF_SHORT, {10, 20, 30})}},
+                             OneIfd(2)
+                                 .Entry(273, 4, 3, 38)
+                                 .Entry(279, 4, 3, 50)
+                                 .U32(0)
+                                 .U32(62)
+                                 .U32(72)
+                                 .U32(92)
+                                 .U32(10)
+                                 .U32(20)
+                                 .U32(30)
+                                 .Bytes(At(150, 10))
+                                 .Bytes(At(100, 20))
+                                 .Bytes(At(50, 30)),
+                             200),
+                      Writes("OneLongStrip", {{Long(273, 900), Long(279, 1000)}},
+                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 1000).U32(0).Bytes(At(900, 1000)), 2000),
+                      Writes("OneShortStrip", {{Short(273, 900), Short(279, 1000)}},
+                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 1000).U32(0).Bytes(At(900, 1000)), 2000),
+                      Writes("Tiles",
+                             {{Long(322, 16), Numbers(324, TIFF_LONG, {40, 10}), Numbers(325, TIFF_LONG, {5, 6})}},
+                             OneIfd(3)
+                                 .Entry(322, 4, 1, 16)
+                                 .Entry(324, 4, 2, 50)
+                                 .Entry(325, 4, 2, 58)
+                                 .U32(0)
+                                 .U32(66)
+                                 .U32(71)
+                                 .U32(5)
+                                 .U32(6)
+                                 .Bytes(At(40, 5))
+                                 .Bytes(At(10, 6)),
+                             100),
+                      Writes("StripsOverTiles", {{Long(273, 10), Long(279, 4), Long(324, 50), Long(325, 8)}},
+                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 4).U32(0).Bytes(At(10, 4)), 100),
+                      Writes("IfdWithoutStrips", {{Short(274, 1)}, {Long(273, 60), Long(279, 7)}},
+                             OneIfd(1)
+                                 .Entry(274, 3, 1, 1)
+                                 .U32(26)
+                                 .U16(2)
+                                 .Entry(273, 4, 1, 56)
+                                 .Entry(279, 4, 1, 7)
+                                 .U32(0)
+                                 .Bytes(At(60, 7)),
+                             100)),
+    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+
+// Strip tags that disagree can't describe strips; a TIFF file whose strips the
+// source doesn't hold can't be written, while a thumbnail stored as strips in
+// an Exif block is left out instead. A block that doesn't fit its stream, a
+// value shorter than its count and an entry of type 0, which would make the
+// whole file unreadable, fail or go.
+TEST(WriteBlock, RefusesOrDropsWhatCantBeWritten)
+{
+    for (IfdDef ifd : {IfdDef{Numbers(273, TIFF_LONG, {1, 2, 3}), Numbers(279, TIFF_LONG, {1, 2})},
+                       IfdDef{Ascii(273, "abc"), Ascii(279, "def")}, IfdDef{Long(273, 0x80000000u), Long(279, 4)}}) {
+        EXPECT_EQ(0, PrepareStrips(HeaderOf(*TiffDoc({ifd}))));
+    }
+    IfdDef outside = {Short(274, 1), Long(273, 90), Long(279, 20)};
+    EXPECT_TRUE(Write(*TiffDoc({outside}), 100, true).empty());
+    EXPECT_EQ(OneIfd(1).Entry(274, 3, 1, 1).U32(0).m_bytes, Write(*TiffDoc({outside}), 100, false));
+
+    auto typeZero = TiffDoc({{Short(274, 1), Short(275, 2)}});
+    AsTag(FindNode(typeZero->m_root, 275))->m_type = 0;
+    EXPECT_EQ(OneIfd(1).Entry(274, 3, 1, 1).U32(0).m_bytes, Write(*typeZero));
+
+    auto doc = TiffDoc({{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, kDate)})}});
     std::vector<uint8_t> small(81, 0);
     CStreamObj out(small.data(), int32_t(small.size()));
-    CExifWriter writer(&out, BlockSource{});
-    EXPECT_EQ(0, writer.WriteTiff(HeaderOf(*doc)));
+    EXPECT_EQ(0, CExifWriter(&out, BlockSource{}).WriteTiff(HeaderOf(*doc)));
+
+    AsTag(FindNode(doc->FindIfd(0), 271))->m_count = 60;
+    EXPECT_EQ(-1, ComputeExifSize(BlockSource{}, HeaderOf(*doc)));
+    std::vector<uint8_t> large(200, 0);
+    CStreamObj roomy(large.data(), int32_t(large.size()));
+    EXPECT_EQ(0, CExifWriter(&roomy, BlockSource{}).WriteTiff(HeaderOf(*doc)));
 }
 
-TEST(WriterLimits, ValueShorterThanItsCountIsRefused)
+TEST(WriteBlock, JpegThumbnailIsLastAndItsLengthTheBytesWritten)
 {
-    auto doc = Tiff({{Ascii(271, "Canon")}});
-    CTag *tag = static_cast<CTag *>(FindNode(doc->FindIfd(0), 271));
-    tag->m_count = 60;
-    EXPECT_EQ(-1, ComputeExifSize(BlockSource{}, HeaderOf(*doc)));
-    std::vector<uint8_t> block(200, 0);
-    CStreamObj out(block.data(), int32_t(block.size()));
-    CExifWriter writer(&out, BlockSource{});
-    EXPECT_EQ(0, writer.WriteTiff(HeaderOf(*doc)));
+    auto doc = TiffDoc({{Short(274, 1)}, {Short(259, 6), Long(513, 9999), Long(514, 3)}});
+    std::vector<uint8_t> thumb = {0xFF, 0xD8, 1, 2, 3, 0xFF, 0xD9};
+    doc->m_thumbTag->SetData(thumb.data(), int32_t(thumb.size()));
+    ByteBuilder expected = OneIfd(1).Entry(274, 3, 1, 1).U32(26);
+    expected.U16(3).Entry(259, 3, 1, 6).Entry(513, 4, 1, 68).Entry(514, 4, 1, 7).U32(0).Bytes(thumb);
+    EXPECT_EQ(expected.m_bytes, Write(*doc));
+}
+
+// A stream of any length that reads zeros and keeps nothing it is given,
+// counting the bytes.
+class EndlessStream : public CStreamIO {
+public:
+    uint32_t Read(void *buffer, uint32_t size) override
+    {
+        std::memset(buffer, 0, size);
+        m_pos += size;
+        return size;
+    }
+    uint32_t Write(const void *, uint32_t size) override
+    {
+        m_pos += size;
+        m_written += size;
+        return size;
+    }
+    int32_t Seek(int, int32_t offset) override
+    {
+        m_pos = offset;
+        return 0;
+    }
+    int32_t Tell() override { return int32_t(m_pos); }
+    int IsEof() override { return 0; }
+
+    int64_t m_pos = 0;
+    int64_t m_written = 0;
+};
+
+TEST(WriteBlock, ImagePassing2GiBIsRefusedBeforeCopying)
+{
+    auto doc = TiffDoc({{Numbers(273, TIFF_LONG, {0, 0}), Numbers(279, TIFF_LONG, {0x40000000, 0x40000000})}});
+    ASSERT_EQ(1, PrepareStrips(HeaderOf(*doc)));
+    EndlessStream file;
+    EndlessStream out;
+    BlockSource source;
+    source.m_stream = &file;
+    source.m_size = 0x40000000;
+    source.m_strictImages = 1;
+    EXPECT_EQ(0, CExifWriter(&out, source).WriteTiff(HeaderOf(*doc)));
+    EXPECT_LT(out.m_written, 1000);
 }
 
 }  // namespace
