@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/fpxr_builder.h"
@@ -10,7 +12,13 @@
 
 namespace {
 
-const std::vector<uint8_t> kApp0 = {'J', 'F', 'I', 'F', 0, 1, 2, 0, 0, 1, 0, 1, 0, 0};
+// The audio that zExifGetAudioFile writes; nothing when it fails.
+std::vector<uint8_t> Extract(CExifDoc *doc)
+{
+    TempDir dir;
+    std::string out = dir.Path("a.wav");
+    return zExifGetAudioFile(doc, out.c_str()) == 0 ? ReadFileBytes(out) : std::vector<uint8_t>{};
+}
 
 // Audio cut into segments of the given leading sizes, with an ICC profile in
 // front and a segment of another index between every two audio segments.
@@ -20,36 +28,23 @@ struct Split {
     std::vector<size_t> leading;
 };
 
-class AudioOverSegments : public ::testing::TestWithParam<Split> {
-protected:
-    void SetUp() override
-    {
-        audio = RiffWave(GetParam().audioSize);
-        jpeg.Segment(0xE0, kApp0).Segment(0xE2, IccPayload(300));
-        for (const auto &payload : FpxrPayloads(audio, 4, GetParam().leading)) {
-            jpeg.Segment(0xE2, payload).Segment(0xE2, FpxrContinuation(7, {9, 9, 9}));
-        }
-        jpeg.Segment(0xDB, {0, 1, 2});
-        doc = jpeg.Load();
-    }
+class AudioOverSegments : public ::testing::TestWithParam<Split> {};
 
-    std::vector<uint8_t> audio;
+// The file comes out byte for byte without a payload kept in memory; its
+// removal takes the audio segments and leaves the others.
+TEST_P(AudioOverSegments, IsExtractedAndRemovedAlone)
+{
+    std::vector<uint8_t> audio = RiffWave(GetParam().audioSize);
     MemoryJpeg jpeg;
-    std::unique_ptr<CExifDoc> doc;
-    TempDir dir;
-};
-
-TEST_P(AudioOverSegments, ExtractsTheFileByteForByte)
-{
-    std::string out = dir.Path("voice.wav");
+    jpeg.Segment(0xE0, {'J', 'F', 'I', 'F', 0}).Segment(0xE2, IccPayload(300));
+    for (const auto &payload : FpxrPayloads(audio, 4, GetParam().leading)) {
+        jpeg.Segment(0xE2, payload).Segment(0xE2, FpxrContinuation(7, {9, 9, 9}));
+    }
+    auto doc = jpeg.Segment(0xDB, {0, 1, 2}).Load();
     EXPECT_EQ(1, zExifIsAudioExist(doc.get()));
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), out.c_str()));
-    EXPECT_EQ(audio, ReadFileBytes(out));
+    EXPECT_EQ(audio, Extract(doc.get()));
     for (CMarker *marker : MarkersOf(*doc)) EXPECT_EQ(nullptr, marker->m_data);
-}
 
-TEST_P(AudioOverSegments, RemovalLeavesTheOtherSegments)
-{
     EXPECT_EQ(1, zExifRemoveAudio(doc.get()));
     std::vector<int> sizes;
     for (CMarker *marker : MarkersOf(*doc)) {
@@ -59,7 +54,7 @@ TEST_P(AudioOverSegments, RemovalLeavesTheOtherSegments)
     expected.insert(expected.begin(), 300);
     EXPECT_EQ(expected, sizes);
     EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
-    EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), dir.Path("none.wav").c_str()));
+    EXPECT_TRUE(Extract(doc.get()).empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Streams, AudioOverSegments,
@@ -67,36 +62,25 @@ INSTANTIATE_TEST_SUITE_P(Streams, AudioOverSegments,
                                            Split{"three", 9000, {4000, 4000}}),
                          [](const auto &param) { return std::string(param.param.name); });
 
-TEST(AudioStreams, OnlyTheFirstOfTwoIsExtractedAndRemoved)
+// Of two streams only the first is extracted and removed; a second head of
+// the same index ends an unfinished first stream, instead of mixing two
+// recordings into one file.
+TEST(AudioStreams, TheFirstStreamIsTheAudio)
 {
     std::vector<uint8_t> first = RiffWave(3000, 1);
     std::vector<uint8_t> second = RiffWave(3000, 2);
     MemoryJpeg jpeg;
     jpeg.Segments(0xE2, FpxrPayloads(first, 4, {1000})).Segments(0xE2, FpxrPayloads(second, 5, {1000}));
     auto doc = jpeg.Load();
-    TempDir dir;
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_EQ(first, ReadFileBytes(dir.Path("a.wav")));
-
+    EXPECT_EQ(first, Extract(doc.get()));
     zExifRemoveAudio(doc.get());
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("b.wav").c_str()));
-    EXPECT_EQ(second, ReadFileBytes(dir.Path("b.wav")));
-}
+    EXPECT_EQ(second, Extract(doc.get()));
 
-// The second stream carries the same index: appending its continuation would
-// mix two recordings into one file.
-TEST(AudioStreams, ASecondHeadEndsAnUnfinishedFirstStream)
-{
-    std::vector<uint8_t> first = RiffWave(3000, 1);
-    std::vector<uint8_t> second = RiffWave(3000, 2);
-    auto firstPayloads = FpxrPayloads(first, 4, {1000, 1000});
-    firstPayloads.pop_back();
-    MemoryJpeg jpeg;
-    jpeg.Segments(0xE2, firstPayloads).Segments(0xE2, FpxrPayloads(second, 4, {1000}));
-    auto doc = jpeg.Load();
-    TempDir dir;
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_EQ(std::vector<uint8_t>(first.begin(), first.begin() + 2000), ReadFileBytes(dir.Path("a.wav")));
+    auto unfinished = FpxrPayloads(first, 4, {1000, 1000});
+    unfinished.pop_back();
+    MemoryJpeg sameIndex;
+    auto mixed = sameIndex.Segments(0xE2, unfinished).Segments(0xE2, FpxrPayloads(second, 4, {1000})).Load();
+    EXPECT_EQ(std::vector<uint8_t>(first.begin(), first.begin() + 2000), Extract(mixed.get()));
 }
 
 TEST(AudioStreams, StreamsInOneSegmentAreAllRemoved)
@@ -119,49 +103,12 @@ TEST(AudioStreams, RiffSizeWithTopBitSetEndsAtTheHead)
     std::vector<uint8_t> audio = RiffWave(2000);
     audio[7] = 0x80;
     MemoryJpeg jpeg;
-    jpeg.Segments(0xE2, FpxrPayloads(audio, 4, {1000}));
-    auto doc = jpeg.Load();
-    TempDir dir;
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_EQ(1000u, ReadFileBytes(dir.Path("a.wav")).size());
+    auto doc = jpeg.Segments(0xE2, FpxrPayloads(audio, 4, {1000})).Load();
+    EXPECT_EQ(1000u, Extract(doc.get()).size());
     zExifRemoveAudio(doc.get());
     ASSERT_EQ(3u, ChainOf(*doc).size());
     EXPECT_EQ(1000 + 13, std::get<1>(ChainOf(*doc)[1]));
 }
-
-// Payloads that can't hold the fields a head needs, or hold the wrong ones.
-class NotAHead : public ::testing::TestWithParam<std::vector<uint8_t>> {};
-
-TEST_P(NotAHead, IsNoAudio)
-{
-    MemoryJpeg jpeg;
-    jpeg.Segment(0xE2, GetParam());
-    auto doc = jpeg.Load();
-    TempDir dir;
-    EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
-    EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_FALSE(FileExists(dir.Path("a.wav")));
-    zExifRemoveAudio(doc.get());
-    EXPECT_EQ(3u, ChainOf(*doc).size());
-}
-
-std::vector<uint8_t> HeadOf(size_t size)
-{
-    std::vector<uint8_t> head = FpxrHead(4, RiffWave(100));
-    head.resize(size);
-    return head;
-}
-
-std::vector<uint8_t> HeadWithType(uint8_t type)
-{
-    std::vector<uint8_t> head = HeadOf(141);
-    head[6] = type;
-    return head;
-}
-
-INSTANTIATE_TEST_SUITE_P(Payloads, NotAHead,
-                         ::testing::Values(HeadOf(48), HeadOf(44), HeadOf(9), HeadOf(1), HeadWithType(1),
-                                           IccPayload(600, 4)));
 
 TEST(AudioStreams, ContinuationsTooShortForAHeaderArePassedOver)
 {
@@ -173,42 +120,49 @@ TEST(AudioStreams, ContinuationsTooShortForAHeaderArePassedOver)
         .Segment(0xE2, std::vector<uint8_t>(stub.begin(), stub.begin() + 12))
         .Segment(0xE2, stub)
         .Segment(0xE2, payloads[1]);
-    auto doc = jpeg.Load();
-    TempDir dir;
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_EQ(audio, ReadFileBytes(dir.Path("a.wav")));
+    EXPECT_EQ(audio, Extract(jpeg.Load().get()));
 }
 
-// Bytes that the file doesn't hold are not made up as zeros.
-TEST(AudioStreams, ASegmentCutOffByTheEndOfTheFileGivesWhatIsThere)
-{
-    std::vector<uint8_t> audio = RiffWave(3000);
-    MemoryJpeg jpeg;
-    jpeg.Segments(0xE2, FpxrPayloads(audio, 4, {1000, 1000})).CutEnd(300);
-    auto doc = jpeg.Load();
-    TempDir dir;
-    ASSERT_EQ(0, zExifGetAudioFile(doc.get(), dir.Path("a.wav").c_str()));
-    EXPECT_EQ(std::vector<uint8_t>(audio.begin(), audio.end() - 300), ReadFileBytes(dir.Path("a.wav")));
+// Payloads that can't hold the fields a head needs, or hold the wrong ones,
+// and a head that the end of the file cuts by so many bytes.
+using Payload = std::pair<std::vector<uint8_t>, size_t>;
 
-    MemoryJpeg cutHead;
-    cutHead.Segment(0xE2, FpxrHead(4, RiffWave(100))).CutEnd(100);
-    auto headDoc = cutHead.Load();
-    EXPECT_EQ(0, zExifIsAudioExist(headDoc.get()));
+class NotAHead : public ::testing::TestWithParam<Payload> {};
+
+TEST_P(NotAHead, IsNoAudio)
+{
+    MemoryJpeg jpeg;
+    auto doc = jpeg.Segment(0xE2, GetParam().first).CutEnd(GetParam().second).Load();
+    EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
+    EXPECT_TRUE(Extract(doc.get()).empty());
+    zExifRemoveAudio(doc.get());
+    EXPECT_EQ(3u, ChainOf(*doc).size());
 }
 
-TEST(AudioOutput, WithoutAudioAnExistingFileIsLeftAlone)
+Payload Head(size_t size, uint8_t type = 2, size_t cut = 0)
 {
-    MemoryJpeg jpeg;
-    auto doc = jpeg.Segment(0xE2, IccPayload(100)).Load();
+    std::vector<uint8_t> head = FpxrHead(4, RiffWave(100));
+    head[6] = type;
+    head.resize(size);
+    return {head, cut};
+}
+
+INSTANTIATE_TEST_SUITE_P(Payloads, NotAHead,
+                         ::testing::Values(Head(48), Head(44), Head(9), Head(1), Head(141, 1), Head(141, 2, 100),
+                                           Payload{IccPayload(600, 4), 0}));
+
+// Without audio an existing file is left alone; a file that can't be opened
+// or written is reported.
+TEST(AudioOutput, FailuresLeaveWhatIsThere)
+{
+    MemoryJpeg icc;
+    auto none = icc.Segment(0xE2, IccPayload(100)).Load();
     TempDir dir;
     std::string out = dir.Write("keep.wav", {1, 2, 3});
-    EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), out.c_str()));
+    EXPECT_EQ(-1, zExifGetAudioFile(none.get(), out.c_str()));
     EXPECT_EQ((std::vector<uint8_t>{1, 2, 3}), ReadFileBytes(out));
-    EXPECT_EQ(2, doc->m_audioState);
-}
+    EXPECT_EQ(2, none->m_audioState);
 
-TEST(AudioOutput, FailuresToOpenOrWriteAreReported)
-{
     MemoryJpeg jpeg;
     auto doc = jpeg.Segments(0xE2, FpxrPayloads(RiffWave(3000), 4, {1000})).Load();
     EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), "/nonexistent/zexif/a.wav"));

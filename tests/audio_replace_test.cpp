@@ -13,9 +13,6 @@
 
 namespace {
 
-using Chain = std::vector<std::tuple<int, int, int>>;
-
-const std::vector<uint8_t> kApp0 = {'J', 'F', 'I', 'F', 0, 1, 2, 0, 0, 1, 0, 1, 0, 0};
 const std::vector<uint8_t> kApp1 = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 
 // The planned nodes of the chain, as (size, offset) in the audio file.
@@ -38,23 +35,32 @@ int PlanPosition(const CExifDoc &doc)
     return -1;
 }
 
+// A layout of segments, an audio file's size, and the plan the file gets:
+// where it stands and its chunks.
 struct PlanCase {
+    const char *name;
+    std::vector<uint8_t> codes;
     size_t fileSize;
+    int position;
     std::vector<std::pair<int, int>> plan;
 };
 
 class AudioPlan : public ::testing::TestWithParam<PlanCase> {};
 
+// The chunks stand together behind the run of APP1 segments, else APP0, else
+// SOI, as APP2 nodes that stay on file, unread until the save.
 TEST_P(AudioPlan, ChunksStandTogetherBehindTheApp1Run)
 {
     TempDir dir;
     std::string audio = dir.Write("a.wav", std::vector<uint8_t>(GetParam().fileSize, 0x55));
     MemoryJpeg jpeg;
-    auto doc = jpeg.Segment(0xE0, kApp0).Segment(0xE1, kApp1).Segment(0xE1, kApp1).Segment(0xDB, {1}).Load();
+    for (uint8_t code : GetParam().codes) jpeg.Segment(code, kApp1);
+    auto doc = jpeg.Load();
     ASSERT_EQ(0, zExifSetAudioFile(doc.get(), audio.c_str()));
     EXPECT_EQ(GetParam().plan, PlanOf(*doc));
-    EXPECT_EQ(4, PlanPosition(*doc));
-    EXPECT_EQ(0xDB, MarkersOf(*doc)[4 + GetParam().plan.size()]->m_id);
+    EXPECT_EQ(GetParam().position, PlanPosition(*doc));
+    for (size_t i = 0; i < GetParam().plan.size(); i++)
+        EXPECT_TRUE(MarkersOf(*doc)[GetParam().position + i]->m_audioChunk);
     for (CMarker *marker : MarkersOf(*doc)) {
         if (!marker->m_audioChunk) continue;
         EXPECT_EQ(0xE2, marker->m_id);
@@ -64,36 +70,18 @@ TEST_P(AudioPlan, ChunksStandTogetherBehindTheApp1Run)
     EXPECT_EQ(audio.c_str(), doc->m_audioPath);
 }
 
-INSTANTIATE_TEST_SUITE_P(FileSizes, AudioPlan,
-                         ::testing::Values(PlanCase{63900, {{63900, 0}}}, PlanCase{63901, {{63900, 0}, {1, 63900}}},
-                                           PlanCase{130000, {{63900, 0}, {63900, 63900}, {2200, 127800}}},
-                                           PlanCase{0, {{0, 0}}}));
+const std::vector<uint8_t> kApp1Run = {0xE0, 0xE1, 0xE1, 0xDB};
 
-struct PlaceCase {
-    const char *name;
-    std::vector<uint8_t> codes;
-    int position;
-};
-
-class AudioPlace : public ::testing::TestWithParam<PlaceCase> {};
-
-TEST_P(AudioPlace, FollowsApp1ThenApp0ThenSoi)
-{
-    TempDir dir;
-    std::string audio = dir.Write("a.wav", RiffWave(100));
-    MemoryJpeg jpeg;
-    for (uint8_t code : GetParam().codes) jpeg.Segment(code, code == 0xE1 ? kApp1 : kApp0);
-    auto doc = jpeg.Load();
-    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), audio.c_str()));
-    EXPECT_EQ(GetParam().position, PlanPosition(*doc));
-}
-
-INSTANTIATE_TEST_SUITE_P(Layouts, AudioPlace,
-                         ::testing::Values(PlaceCase{"app1Run", {0xE0, 0xE1, 0xE1, 0xDB}, 4},
-                                           PlaceCase{"app1CommentApp1", {0xE1, 0xFE, 0xE1}, 2},
-                                           PlaceCase{"app0", {0xDB, 0xE0, 0xDB}, 3},
-                                           PlaceCase{"soi", {0xDB, 0xC0}, 1}),
-                         [](const auto &param) { return std::string(param.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, AudioPlan,
+    ::testing::Values(PlanCase{"OneChunk", kApp1Run, 63900, 4, {{63900, 0}}},
+                      PlanCase{"OneByteMore", kApp1Run, 63901, 4, {{63900, 0}, {1, 63900}}},
+                      PlanCase{"ThreeChunks", kApp1Run, 130000, 4, {{63900, 0}, {63900, 63900}, {2200, 127800}}},
+                      PlanCase{"EmptyFile", kApp1Run, 0, 4, {{0, 0}}},
+                      PlanCase{"FirstApp1Run", {0xE1, 0xFE, 0xE1}, 100, 2, {{100, 0}}},
+                      PlanCase{"BehindApp0", {0xDB, 0xE0, 0xDB}, 100, 3, {{100, 0}}},
+                      PlanCase{"BehindSoi", {0xDB, 0xC0}, 100, 1, {{100, 0}}}),
+    [](const auto &param) { return std::string(param.param.name); });
 
 // A JPEG with an ICC profile, a three-segment audio stream and a segment of
 // another index, and audio files to plan.
@@ -101,14 +89,12 @@ struct ReplaceAudio : ::testing::Test {
     TempDir dir;
     MemoryJpeg jpeg;
     std::unique_ptr<CExifDoc> doc;
-    std::string first;
-    std::string second;
-    Chain before;
+    std::string first = dir.Write("first.wav", RiffWave(70000, 1));
+    std::string second = dir.Write("second.wav", RiffWave(1000, 2));
+    std::vector<std::tuple<int, int, int>> before;
 
     void SetUp() override
     {
-        first = dir.Write("first.wav", RiffWave(70000, 1));
-        second = dir.Write("second.wav", RiffWave(1000, 2));
         jpeg.Segment(0xE1, kApp1).Segment(0xE2, IccPayload(200));
         jpeg.Segments(0xE2, FpxrPayloads(RiffWave(5000), 4, {2000, 2000})).Segment(0xE2, FpxrContinuation(9, {1}));
         doc = jpeg.Load();
@@ -125,9 +111,10 @@ struct ReplaceAudio : ::testing::Test {
     }
 };
 
-// Planned offsets lie in the audio file: read from the source they would be
-// garbage, so the walks of the other exports never load them.
-TEST_F(ReplaceAudio, TheOldAudioGivesWayToAPlanThatStaysUnread)
+// The old audio gives way to the plan, and a second plan to the first; the
+// planned offsets lie in the audio file, so nothing reads them from the
+// source. Removal drops the plan and its file.
+TEST_F(ReplaceAudio, APlanReplacesTheAudioAndTheFormerPlan)
 {
     ASSERT_EQ(0, zExifSetAudioFile(doc.get(), first.c_str()));
     EXPECT_EQ((std::vector<int>{200, 14}), SourceApp2Sizes());
@@ -135,46 +122,30 @@ TEST_F(ReplaceAudio, TheOldAudioGivesWayToAPlanThatStaysUnread)
     EXPECT_EQ(1, doc->m_hasAudio);
     EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), dir.Path("out.wav").c_str()));
     EXPECT_FALSE(FileExists(dir.Path("out.wav")));
-    for (CMarker *marker : MarkersOf(*doc)) {
-        EXPECT_TRUE(!marker->m_audioChunk || marker->m_data == nullptr);
-    }
-}
+    for (CMarker *marker : MarkersOf(*doc)) EXPECT_TRUE(!marker->m_audioChunk || marker->m_data == nullptr);
 
-TEST_F(ReplaceAudio, ASecondPlanReplacesTheFirst)
-{
-    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), first.c_str()));
     ASSERT_EQ(0, zExifSetAudioFile(doc.get(), second.c_str()));
     EXPECT_EQ((std::vector<std::pair<int, int>>{{1000, 0}}), PlanOf(*doc));
     EXPECT_EQ(second.c_str(), doc->m_audioPath);
     EXPECT_EQ((std::vector<int>{200, 14}), SourceApp2Sizes());
-}
 
-TEST_F(ReplaceAudio, RemovalDropsThePlanAndItsFile)
-{
-    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), first.c_str()));
     EXPECT_EQ(1, zExifRemoveAudio(doc.get()));
     EXPECT_TRUE(PlanOf(*doc).empty());
     EXPECT_EQ(nullptr, doc->m_audioPath);
     EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
 }
 
-TEST_F(ReplaceAudio, AnUnopenableFileChangesNothing)
-{
-    std::string audioPath = "/nonexistent/zexif/a.wav";
-    EXPECT_EQ(-1, zExifSetAudioFile(doc.get(), audioPath.c_str()));
-    EXPECT_EQ(-1, zExifSetAudioFile(doc.get(), dir.m_path.c_str()));
-    EXPECT_EQ(before, ChainOf(*doc));
-    EXPECT_EQ(nullptr, doc->m_audioPath);
-}
-
-// Chunk offsets are 32-bit; a larger file can't be planned without them
-// wrapping around.
-TEST_F(ReplaceAudio, AFileBeyondTwoGigabytesIsRefused)
+// A file that can't be opened changes nothing, and neither does one beyond
+// 2 GiB, whose chunk offsets would wrap around.
+TEST_F(ReplaceAudio, AFileThatCantBePlannedChangesNothing)
 {
     std::string huge = dir.Write("huge.wav", {});
     ASSERT_EQ(0, truncate(huge.c_str(), 0x80000000LL));
-    EXPECT_EQ(-1, zExifSetAudioFile(doc.get(), huge.c_str()));
+    for (const std::string &path : {std::string("/nonexistent/zexif/a.wav"), dir.m_path, huge}) {
+        EXPECT_EQ(-1, zExifSetAudioFile(doc.get(), path.c_str())) << path;
+    }
     EXPECT_EQ(before, ChainOf(*doc));
+    EXPECT_EQ(nullptr, doc->m_audioPath);
 }
 
 TEST_F(ReplaceAudio, ACursorOnARemovedSegmentMovesToItsPredecessor)
@@ -184,27 +155,6 @@ TEST_F(ReplaceAudio, ACursorOnARemovedSegmentMovesToItsPredecessor)
     zExifRemoveAudio(doc.get());
     EXPECT_EQ(markers[2], doc->m_cur);
     EXPECT_EQ(&markers[2]->m_next, doc->m_nextSlot);
-}
-
-TEST(TiffDocument, HasNoPlaceForAudio)
-{
-    TempDir dir;
-    std::string audio = dir.Write("a.wav", RiffWave(100));
-    CExifDoc doc;
-    doc.m_format = FORMAT_TIFF;
-    CNode *header = new CNode;
-    header->m_id = NODE_TIFF_HEADER;
-    doc.AddChild(header);
-    CNode *ifd = new CNode;
-    ifd->m_id = NODE_IFD;
-    doc.AddSibling(ifd);
-
-    EXPECT_EQ(0, zExifSetAudioFile(&doc, audio.c_str()));
-    EXPECT_EQ(nullptr, header->m_next->m_next);
-    EXPECT_EQ(nullptr, doc.m_audioPath);
-    EXPECT_EQ(0, zExifIsAudioExist(&doc));
-    EXPECT_EQ(-1, zExifGetAudioFile(&doc, dir.Path("out.wav").c_str()));
-    EXPECT_EQ(1, zExifRemoveAudio(&doc));
 }
 
 }  // namespace

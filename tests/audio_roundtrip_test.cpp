@@ -52,14 +52,18 @@ std::vector<uint8_t> ExifBlock()
     return ExifApp1(tiff.m_bytes);
 }
 
-// A JPEG with an ICC profile in front of a voice annotation of its own.
+// A JPEG with a voice annotation of its own between two ICC profiles; the
+// one behind is read from the source in a save, not from the audio file.
 std::vector<uint8_t> JpegWithAudio()
 {
     std::vector<uint8_t> file = Concat({{0xFF, 0xD8}, ExifBlock(), JpegSegment(0xE2, IccPayload(500))});
     for (const auto &payload : FpxrPayloads(RiffWave(3000, 7), 4, {1000})) {
         file = Concat({file, JpegSegment(0xE2, payload)});
     }
-    return Concat({file, JpegSegment(0xDB, std::vector<uint8_t>(65, 1)), JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}),
+    return Concat({file,
+                   JpegSegment(0xE2, IccPayload(400, 2)),
+                   JpegSegment(0xDB, std::vector<uint8_t>(65, 1)),
+                   JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}),
                    {0x12, 0x34, 0xFF, 0x00, 0x56, 0xFF, 0xD9}});
 }
 
@@ -121,10 +125,11 @@ TEST_F(AudioRoundTrip, ReplacedAudioIsWrittenInSegmentsAndReadBackByBothFamilies
               std::vector<uint8_t>(fpxr[1].payload.begin() + 7, fpxr[1].payload.begin() + 13));
 
     std::vector<Segment> segments = SegmentsOf(file);
-    ASSERT_GE(segments.size(), 4u);
+    ASSERT_GE(segments.size(), 5u);
     EXPECT_EQ(0xE1, segments[0].code);
     EXPECT_EQ(63943u, segments[1].lengthField);
     EXPECT_EQ(IccPayload(500), segments[3].payload);
+    EXPECT_EQ(IccPayload(400, 2), segments[4].payload);
 
     EXPECT_EQ(audio, ExtractWithDocument(saved, dir.Path("doc.wav")));
     EXPECT_EQ(audio, ExtractWithReader(saved, dir.Path("reader.wav")));
@@ -143,19 +148,31 @@ TEST_F(AudioRoundTrip, ARemovedPlanNeedsNoAudioFile)
     EXPECT_EQ(IccPayload(500), SegmentsOf(file)[1].payload);
 }
 
-TEST_F(AudioRoundTrip, ACameraFileCarriesTheAudio)
+// An empty audio file gets a head segment of no data.
+TEST_F(AudioRoundTrip, AnEmptyFileAndACameraFileCarryTheirAudio)
 {
+    std::string empty = dir.Write("empty.wav", {});
+    SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, empty.c_str())); });
+    std::vector<Segment> fpxr = FpxrSegmentsOf(ReadFileBytes(saved));
+    ASSERT_EQ(1u, fpxr.size());
+    EXPECT_EQ(41u, fpxr[0].payload.size());
+
     source = dir.Copy(Sample("jpg/Canon_40D.jpg"), "canon.jpg");
     SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
     EXPECT_EQ(audio, ExtractWithDocument(saved, dir.Path("doc.wav")));
 }
 
+// A TIFF file has no place for audio: the calls succeed or fail as if it had
+// none, and the save writes none.
 TEST_F(AudioRoundTrip, ATiffFileGetsNoAudio)
 {
     source = dir.Copy(TiffSamples().front(), "source.tif");
     saved = dir.Path("saved.tif");
     SaveEdited([&](CExifDoc *doc) {
         EXPECT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str()));
+        EXPECT_EQ(0, zExifIsAudioExist(doc));
+        EXPECT_EQ(-1, zExifGetAudioFile(doc, dir.Path("out.wav").c_str()));
+        EXPECT_EQ(1, zExifRemoveAudio(doc));
         std::remove(audioPath.c_str());
     });
     std::vector<uint8_t> file = ReadFileBytes(saved);
@@ -171,9 +188,11 @@ TEST_P(CutAudio, BothFamiliesExtractWhatTheFileHolds)
     TempDir dir;
     std::vector<uint8_t> audio = RiffWave(50000);
     auto payloads = FpxrPayloads(audio, 4, {20000, 20000});
-    std::vector<uint8_t> file = Concat({{0xFF, 0xD8}, JpegSegment(0xE2, payloads[0]),
+    std::vector<uint8_t> file = Concat({{0xFF, 0xD8},
+                                        JpegSegment(0xE2, payloads[0]),
                                         JpegSegment(0xE2, FpxrContinuation(5, {1, 2, 3})),
-                                        JpegSegment(0xE2, payloads[1]), JpegSegment(0xE2, payloads[2])});
+                                        JpegSegment(0xE2, payloads[1]),
+                                        JpegSegment(0xE2, payloads[2])});
     file.resize(file.size() - GetParam());
     std::string jpeg = dir.Write("a.jpg", file);
     std::vector<uint8_t> expected(audio.begin(), audio.end() - long(GetParam()));
