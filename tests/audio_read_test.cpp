@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/case_name.h"
 #include "support/fpxr_builder.h"
 #include "support/memory_jpeg.h"
 #include "support/temp_dir.h"
@@ -60,7 +61,7 @@ TEST_P(AudioOverSegments, IsExtractedAndRemovedAlone)
 INSTANTIATE_TEST_SUITE_P(Streams, AudioOverSegments,
                          ::testing::Values(Split{"one", 5000, {}}, Split{"two", 5000, {3000}},
                                            Split{"three", 9000, {4000, 4000}}),
-                         [](const auto &param) { return std::string(param.param.name); });
+                         CaseName());
 
 // Of two streams only the first is extracted and removed; a second head of
 // the same index ends an unfinished first stream, instead of mixing two

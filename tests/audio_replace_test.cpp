@@ -6,6 +6,7 @@
 #include <tuple>
 #include <vector>
 
+#include "support/case_name.h"
 #include "support/fpxr_builder.h"
 #include "support/memory_jpeg.h"
 #include "support/temp_dir.h"
@@ -81,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                       PlanCase{"FirstApp1Run", {0xE1, 0xFE, 0xE1}, 100, 2, {{100, 0}}},
                       PlanCase{"BehindApp0", {0xDB, 0xE0, 0xDB}, 100, 3, {{100, 0}}},
                       PlanCase{"BehindSoi", {0xDB, 0xC0}, 100, 1, {{100, 0}}}),
-    [](const auto &param) { return std::string(param.param.name); });
+    CaseName());
 
 // A JPEG with an ICC profile, a three-segment audio stream and a segment of
 // another index, and audio files to plan.

@@ -8,36 +8,17 @@
 
 #include "support/byte_builder.h"
 #include "support/fpxr_builder.h"
+#include "support/jpeg_files.h"
 #include "support/samples.h"
 #include "support/temp_dir.h"
 #include "zexif.h"
 
 namespace {
 
-struct Segment {
-    uint8_t code;
-    size_t lengthField;
-    std::vector<uint8_t> payload;
-};
-
-// The segments of a JPEG file up to its first SOS.
-std::vector<Segment> SegmentsOf(const std::vector<uint8_t> &file)
+std::vector<JpegSegmentView> FpxrSegmentsOf(const std::vector<uint8_t> &file)
 {
-    std::vector<Segment> segments;
-    size_t at = 2;
-    while (at + 4 <= file.size() && file[at] == 0xFF && file[at + 1] != 0xDA) {
-        size_t length = size_t(file[at + 2]) << 8 | file[at + 3];
-        if (length < 2 || at + 2 + length > file.size()) break;
-        segments.push_back({file[at + 1], length, {file.begin() + long(at + 4), file.begin() + long(at + 2 + length)}});
-        at += 2 + length;
-    }
-    return segments;
-}
-
-std::vector<Segment> FpxrSegmentsOf(const std::vector<uint8_t> &file)
-{
-    std::vector<Segment> fpxr;
-    for (Segment &segment : SegmentsOf(file)) {
+    std::vector<JpegSegmentView> fpxr;
+    for (JpegSegmentView &segment : SegmentsOf(file)) {
         if (segment.code == 0xE2 && std::string(segment.payload.begin(), segment.payload.begin() + 4) == "FPXR") {
             fpxr.push_back(std::move(segment));
         }
@@ -112,10 +93,10 @@ TEST_F(AudioRoundTrip, ReplacedAudioIsWrittenInSegmentsAndReadBackByBothFamilies
     SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, audioPath.c_str())); });
     std::vector<uint8_t> file = ReadFileBytes(saved);
 
-    std::vector<Segment> fpxr = FpxrSegmentsOf(file);
+    std::vector<JpegSegmentView> fpxr = FpxrSegmentsOf(file);
     ASSERT_EQ(2u, fpxr.size());
-    EXPECT_EQ(63943u, fpxr[0].lengthField);
-    EXPECT_EQ(36115u, fpxr[1].lengthField);
+    EXPECT_EQ(63941u, fpxr[0].payload.size());
+    EXPECT_EQ(36113u, fpxr[1].payload.size());
     EXPECT_EQ(std::vector<uint8_t>(audio.begin(), audio.begin() + 4),
               std::vector<uint8_t>(fpxr[0].payload.begin() + 41, fpxr[0].payload.begin() + 45));
     // Index 4 in both, the offset field the chunk's place in the audio file.
@@ -124,10 +105,10 @@ TEST_F(AudioRoundTrip, ReplacedAudioIsWrittenInSegmentsAndReadBackByBothFamilies
     EXPECT_EQ((std::vector<uint8_t>{0, 4, 0, 0, 0xF9, 0x9C}),
               std::vector<uint8_t>(fpxr[1].payload.begin() + 7, fpxr[1].payload.begin() + 13));
 
-    std::vector<Segment> segments = SegmentsOf(file);
+    std::vector<JpegSegmentView> segments = SegmentsOf(file);
     ASSERT_GE(segments.size(), 5u);
     EXPECT_EQ(0xE1, segments[0].code);
-    EXPECT_EQ(63943u, segments[1].lengthField);
+    EXPECT_EQ(63941u, segments[1].payload.size());
     EXPECT_EQ(IccPayload(500), segments[3].payload);
     EXPECT_EQ(IccPayload(400, 2), segments[4].payload);
 
@@ -153,7 +134,7 @@ TEST_F(AudioRoundTrip, AnEmptyFileAndACameraFileCarryTheirAudio)
 {
     std::string empty = dir.Write("empty.wav", {});
     SaveEdited([&](CExifDoc *doc) { ASSERT_EQ(0, zExifSetAudioFile(doc, empty.c_str())); });
-    std::vector<Segment> fpxr = FpxrSegmentsOf(ReadFileBytes(saved));
+    std::vector<JpegSegmentView> fpxr = FpxrSegmentsOf(ReadFileBytes(saved));
     ASSERT_EQ(1u, fpxr.size());
     EXPECT_EQ(41u, fpxr[0].payload.size());
 

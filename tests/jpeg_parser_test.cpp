@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "support/case_name.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
 #include "tree/walk.h"
@@ -42,11 +43,6 @@ struct ChainCase {
     std::vector<uint8_t> file;
     std::vector<std::string> chain;
 };
-
-void PrintTo(const ChainCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
 
 class JpegChain : public ::testing::TestWithParam<ChainCase> {};
 
@@ -92,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
         ChainCase{"LengthsBelowTwo",
                   {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x00, 0xFF, 0xE0, 0x00, 0x01, 0xFF, 0xD9, 0, 0},
                   {"216:0:0", "219:6:-2", "161:4:2", "224:10:-1", "161:9:1", "217:0:0"}}),
-    [](const ::testing::TestParamInfo<ChainCase> &p) { return p.param.name; });
+    CaseName());
 
 TEST(JpegLoad, EveryExifSegmentIsParsedAndTheLastIsRemembered)
 {

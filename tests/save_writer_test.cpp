@@ -8,6 +8,7 @@
 #include "save/exif_writer.h"
 #include "save/strip_list.h"
 #include "streams/memory_stream.h"
+#include "support/case_name.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
 #include "support/tag_records.h"
@@ -65,11 +66,6 @@ struct WriteCase {
     size_t sourceSize;
     std::vector<uint8_t> expected;
 };
-
-void PrintTo(const WriteCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
 
 class WriteBlock : public ::testing::TestWithParam<WriteCase> {};
 
@@ -153,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
         Writes("UnknownTypeKeepsItsSlot", {{EntryDef{700, 13, 7, {1, 2, 3, 4}, {}}}},
                OneIfd(1).EntryRaw(700, 13, 7, {1, 2, 3, 4}).U32(0)),
         Writes("AHundredAndOneTags", {ManyTags(101)}, ManyEntries(101))),
-    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+    CaseName());
 
 // Sub-IFDs at any depth are sized and written, tags numbered like structural
 // nodes included. Offsets into the source that nothing in the tree describes
@@ -196,7 +192,7 @@ INSTANTIATE_TEST_SUITE_P(
         Writes("NoIfds", {}, ByteBuilder().TiffHeader(0)),
         Writes("OffsetsThatCantMove", {{Short(274, 1), Long(288, 100), Long(289, 10), Long(330, 500), Long(513, 77)}},
                OneIfd(1).Entry(274, 3, 1, 1).U32(0))),
-    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+    CaseName());
 
 // The strip arrays stand among the values in entry order, the strips behind
 // them in index order, whatever their order in the source; SHORT tags come
@@ -251,7 +247,7 @@ INSTANTIATE_TEST_SUITE_P(
                                  .U32(0)
                                  .Bytes(At(60, 7)),
                              100)),
-    [](const ::testing::TestParamInfo<WriteCase> &p) { return p.param.name; });
+    CaseName());
 
 // Strip tags that disagree can't describe strips; a TIFF file whose strips the
 // source doesn't hold can't be written, while a thumbnail stored as strips in

@@ -5,6 +5,7 @@
 
 #include "edit/thumbnail_edit.h"
 #include "streams/stream.h"
+#include "support/case_name.h"
 #include "support/tag_steps.h"
 #include "support/thumb_jpeg.h"
 #include "support/tree_check.h"
@@ -15,7 +16,6 @@ namespace {
 // A document, the bytes its source stream reads, and the thumbnail it holds.
 struct Source {
     std::unique_ptr<InMemoryExifJpeg> exif;
-    MemoryJpeg jpeg;
     std::unique_ptr<CExifDoc> own;
     std::vector<uint8_t> old;
     std::vector<uint8_t> tiffFile;  // what a TIFF document's stream reads
@@ -31,18 +31,6 @@ struct Source {
 };
 using MakeSource = std::function<std::unique_ptr<Source>()>;
 using Tags = std::vector<std::vector<HandTag>>;
-
-// SOI, segments of these codes, EOI; an APP0 is JFIF, an APP1 XMP.
-MakeSource Segments(const std::vector<uint8_t> &codes)
-{
-    return [codes] {
-        auto source = std::make_unique<Source>();
-        std::vector<uint8_t> xmp = {'h', 't', 't', 'p', ':', '/', '/'};
-        for (uint8_t code : codes) source->jpeg.Segment(code, code == 0xE1 ? xmp : JfifPayload());
-        source->own = source->jpeg.Load();
-        return source;
-    };
-}
 
 using Change = void (*)(InMemoryExifJpeg &);
 
@@ -94,20 +82,9 @@ void DropFirstIfd(CNode *header)
     DeleteTree(ifd0);
 }
 
-void WithoutIfd0(InMemoryExifJpeg &file)
+void WithoutApp1(InMemoryExifJpeg &file)
 {
-    DropFirstIfd(file.app1->m_child);
-}
-
-void TiffWithoutIfd0(CExifDoc &doc)
-{
-    DropFirstIfd(doc.m_root);
-}
-
-// A tag 513 that no APP1 holds has no block to count its offset in.
-void OutsideAnApp1(CExifDoc &doc)
-{
-    doc.m_format = FORMAT_JPEG;
+    zExifRemoveMarker(file.doc.get(), 0xE1, 0);
 }
 
 // A 60,000-byte maker note that the source's small APP1 never had.
@@ -115,26 +92,6 @@ void GrowMakerNote(InMemoryExifJpeg &file)
 {
     std::vector<uint8_t> maker(60000, 7);
     AsTag(FindNode(file.app1, 37500))->SetData(maker.data(), int32_t(maker.size()));
-}
-
-void AnyType(InMemoryExifJpeg &file)
-{
-    file.doc->m_thumbType = 0x801;
-}
-
-void NoThumbnailTag(InMemoryExifJpeg &file)
-{
-    file.doc->m_thumbTag = nullptr;
-}
-
-void NoSource(InMemoryExifJpeg &file)
-{
-    DropSource(*file.doc);
-}
-
-void MarkedLoaded(InMemoryExifJpeg &file)
-{
-    file.doc->m_thumbLoaded = 1;
 }
 
 // The document, the size of the thumbnail set into it, the result, and the
@@ -152,11 +109,6 @@ SetCase Sets(const char *name, const MakeSource &make, size_t size, int result, 
              const std::vector<TagStep> &steps = {})
 {
     return {name, make, size, result, outline, steps};
-}
-
-void PrintTo(const SetCase &c, std::ostream *os)
-{
-    *os << c.name;
 }
 
 class SetThumbnail : public ::testing::TestWithParam<SetCase> {};
@@ -189,9 +141,9 @@ TEST_P(SetThumbnail, ChangesTheTreeOnlyWhenItFits)
 const char *const kThumbIfd = "2:1[3:6 259 282 283 296 513 514 60]";
 const char *const kTiffThumbIfd = "1 2:0[3:2 256 257 60] 2:1[3:7 254 259 282 283 296 513 514 60]";
 
-std::string NewApp1(const std::string &front, const std::string &behind)
+std::string NewApp1()
 {
-    return front + "225'Exif'[1 2:0[3:3 282 283 296 60] " + kThumbIfd + "] " + behind;
+    return std::string("216 224'JFIF' 225'Exif'[1 2:0[3:3 282 283 296 60] ") + kThumbIfd + "] 219 217";
 }
 
 std::string InApp1(const std::string &ifd0)
@@ -199,8 +151,8 @@ std::string InApp1(const std::string &ifd0)
     return "216 224'JFIF' 225'Exif'[1 2:0[" + ifd0 + "] " + kThumbIfd + "] 219 217";
 }
 
-// A JPEG without an Exif APP1 gets one behind APP0, else behind SOI, and in
-// front of an APP1 without a block. An Exif APP1 gets the thumbnail's IFD 1,
+// A JPEG without an Exif APP1 gets one where a tag would make it, for a
+// thumbnail within a bound of its own. An Exif APP1 gets the thumbnail's IFD 1,
 // and IFD 0 when it has none. The payload, old thumbnail out and new one in,
 // stays within its bound: 6,900 - 3,000 + 60,000 is exactly it, and so is
 // 3,900 + 60,000 for a block without thumbnail. What the tree holds counts,
@@ -208,23 +160,22 @@ std::string InApp1(const std::string &ifd0)
 INSTANTIATE_TEST_SUITE_P(
     Jpeg, SetThumbnail,
     ::testing::Values(
-        Sets("AtTheBound", Segments({0xE0}), size_t(THUMB_NEW_LIMIT), 0, NewApp1("216 224'JFIF' ", "217")),
-        Sets("PastTheBound", Segments({0xE0}), size_t(THUMB_NEW_LIMIT) + 1, -1),
-        Sets("BehindSoi", Segments({0xDB}), 50, 0, NewApp1("216 ", "219 217")),
-        Sets("InFrontOfXmp", Segments({0xE0, 0xE1}), 100, 0, NewApp1("216 224'JFIF' ", "225'http' 217")),
+        Sets("AtTheBound", Exif(100, {}, {}, WithoutApp1), size_t(THUMB_NEW_LIMIT), 0, NewApp1()),
+        Sets("PastTheBound", Exif(100, {}, {}, WithoutApp1), size_t(THUMB_NEW_LIMIT) + 1, -1),
         Sets("ReplacedAtTheBound", Exif(60000, FakeThumbnail(3000, 1), {kIfd0, OldThumbIfd(3000)}), 6900, 0),
         Sets("ReplacedPastTheBound", Exif(60000, FakeThumbnail(3000, 1), {kIfd0, OldThumbIfd(3000)}), 6901, -1),
-        Sets("ReplacedOfAnyType", OldThumb(AnyType), 300, 0),
+        Sets("ReplacedOfAnyType", OldThumb([](InMemoryExifJpeg &f) { f.doc->m_thumbType = 0x801; }), 300, 0),
         Sets("AddedAtTheBound", Exif(60000, {}, {kIfd0}), 3900, 0, InApp1("3:1 271 60")),
         Sets("AddedPastTheBound", Exif(60000, {}, {kIfd0}), 3901, -1),
         Sets("RebuiltIfd1", Exif(200, {}, {kIfd0, kExifInIfd1, kPage}), 500, 0, InApp1("3:1 271 60")),
-        Sets("NewIfd0InFrontOfIfd1", Exif(200, {}, {kIfd0, kExifInIfd1}, WithoutIfd0), 500, 0,
-             NewApp1("216 224'JFIF' ", "219 217")),
+        Sets("NewIfd0InFrontOfIfd1",
+             Exif(200, {}, {kIfd0, kExifInIfd1}, [](InMemoryExifJpeg &f) { DropFirstIfd(f.app1->m_child); }), 500, 0,
+             NewApp1()),
         Sets("BigTree", Exif(400, {}, {kMakerNote}, GrowMakerNote), 3000, 0, InApp1("3:1 37500 60")),
         Sets("BigTreePastTheBound", Exif(400, {}, {kMakerNote}, GrowMakerNote), 4000, -1),
         Sets("BigTreeWithThumbnail", Exif(400, FakeThumbnail(200), {kMakerNote, OldThumbIfd(200)}, GrowMakerNote), 4000,
              -1)),
-    [](const ::testing::TestParamInfo<SetCase> &p) { return p.param.name; });
+    CaseName());
 
 // A TIFF file's IFD 1 becomes the thumbnail's when it is a reduced image;
 // another page moves up behind a new one, since the writer reaches each IFD
@@ -237,8 +188,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Sets("BehindASingleIfd", Tiff({kPage}), 700, 0, kTiffThumbIfd),
                       Sets("Ifd1WithTheExifPointer", Tiff({kPage, kExifInIfd1}), 70, 0, kTiffThumbIfd),
                       Sets("HeaderOnly", Tiff({}), 70, -1),
-                      Sets("WithoutIfd0", Tiff({kPage, kFullSize}, TiffWithoutIfd0), 70, -1)),
-    [](const ::testing::TestParamInfo<SetCase> &p) { return p.param.name; });
+                      Sets("WithoutIfd0", Tiff({kPage, kFullSize}, [](CExifDoc &d) { DropFirstIfd(d.m_root); }), 70,
+                           -1)),
+    CaseName());
 
 // The flags say what the tree holds, so a second set replaces the first in
 // place.
@@ -293,11 +245,6 @@ ReadCase Reads(const char *name, const MakeSource &make, uint32_t offset = 0, ui
     return {name, make, offset, size};
 }
 
-void PrintTo(const ReadCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
-
 class ReadThumbnail : public ::testing::TestWithParam<ReadCase> {};
 
 // The thumbnail is read from inside the source, once: a copy serves after
@@ -338,23 +285,24 @@ std::unique_ptr<Source> TiffInMemory()
     return source;
 }
 
+// A tag 513 that no APP1 holds has no block to count its offset in.
 INSTANTIATE_TEST_SUITE_P(
     Places, ReadThumbnail,
-    ::testing::Values(Reads("AsWritten", OldThumb(), kOldThumbOffset, 200),
-                      Reads("LengthTagInFront", Exif(400, FakeThumbnail(200, 3), {kIfd0, kLengthFirst}),
-                            kOldThumbOffset, 200),
-                      Reads("UpToTheFileEnd", OldThumb(nullptr, 100, 301), 100, 301),
-                      Reads("TiffFromTheFileStart", TiffInMemory, 300, 250),
-                      Reads("OffsetZero", OldThumb(nullptr, 0, 10)), Reads("SizeZero", OldThumb(nullptr, 100, 0)),
-                      Reads("OneBytePastTheEnd", OldThumb(nullptr, 100, 302)),
-                      Reads("HugeSize", OldThumb(nullptr, 100, 0x7FFFFFF0u)),
-                      Reads("NegativeOffset", OldThumb(nullptr, 0x80000000u, 10)),
-                      Reads("SizeWrapsTheOffset", OldThumb(nullptr, 0xFFFFFFF0u, 0x20)),
-                      Reads("NoLengthTag", Exif(400, FakeThumbnail(200), {kIfd0, {{513, 4, 1, 100}}})),
-                      Reads("NoThumbnailTag", OldThumb(NoThumbnailTag)), Reads("NoSource", OldThumb(NoSource)),
-                      Reads("LoadedWithoutBytes", OldThumb(MarkedLoaded)),
-                      Reads("OutsideAnApp1", Tiff({kIfd0, OldThumbIfd(200)}, OutsideAnApp1))),
-    [](const ::testing::TestParamInfo<ReadCase> &p) { return p.param.name; });
+    ::testing::Values(
+        Reads("AsWritten", OldThumb(), kOldThumbOffset, 200),
+        Reads("LengthTagInFront", Exif(400, FakeThumbnail(200, 3), {kIfd0, kLengthFirst}), kOldThumbOffset, 200),
+        Reads("UpToTheFileEnd", OldThumb(nullptr, 100, 301), 100, 301),
+        Reads("TiffFromTheFileStart", TiffInMemory, 300, 250), Reads("OffsetZero", OldThumb(nullptr, 0, 10)),
+        Reads("SizeZero", OldThumb(nullptr, 100, 0)), Reads("OneBytePastTheEnd", OldThumb(nullptr, 100, 302)),
+        Reads("HugeSize", OldThumb(nullptr, 100, 0x7FFFFFF0u)),
+        Reads("NegativeOffset", OldThumb(nullptr, 0x80000000u, 10)),
+        Reads("SizeWrapsTheOffset", OldThumb(nullptr, 0xFFFFFFF0u, 0x20)),
+        Reads("NoLengthTag", Exif(400, FakeThumbnail(200), {kIfd0, {{513, 4, 1, 100}}})),
+        Reads("NoThumbnailTag", OldThumb([](InMemoryExifJpeg &f) { f.doc->m_thumbTag = nullptr; })),
+        Reads("NoSource", OldThumb([](InMemoryExifJpeg &f) { DropSource(*f.doc); })),
+        Reads("LoadedWithoutBytes", OldThumb([](InMemoryExifJpeg &f) { f.doc->m_thumbLoaded = 1; })),
+        Reads("OutsideAnApp1", Tiff({kIfd0, OldThumbIfd(200)}, [](CExifDoc &d) { d.m_format = FORMAT_JPEG; }))),
+    CaseName());
 
 // Only the type of the loaded thumbnail is served from memory; another type
 // with the JPEG bit reads the source, which never overwrites a new thumbnail.

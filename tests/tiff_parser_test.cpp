@@ -6,6 +6,7 @@
 #include "load/doc_builder.h"
 #include "load/tiff_parser.h"
 #include "streams/stream.h"
+#include "support/case_name.h"
 #include "support/byte_builder.h"
 #include "support/load_bytes.h"
 #include "support/temp_dir.h"
@@ -70,11 +71,6 @@ struct TiffCase {
     std::string outline;
 };
 
-void PrintTo(const TiffCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
-
 class TiffTree : public ::testing::TestWithParam<TiffCase> {};
 
 TEST_P(TiffTree, HoldsWhatTheFileHolds)
@@ -94,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(Headers, TiffTree,
                                            TiffCase{"Bitmap", {'B', 'M', 0, 0}, ""}, TiffCase{"Empty", {}, ""},
                                            TiffCase{"OneByte", {'I'}, ""}, TiffCase{"CutMagic", {'I', 'I', 42}, ""},
                                            TiffCase{"CutOffset", {'I', 'I', 42, 0, 8, 0}, ""}),
-                         [](const ::testing::TestParamInfo<TiffCase> &p) { return p.param.name; });
+                         CaseName());
 
 // An IFD holds 1 to 100 entries; one that fails anywhere fails the load. A
 // table cut by the file keeps its whole entries.
@@ -112,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "1 2:0[3:2 256 257 60]"},
         TiffCase{"CutBeforeAnyEntry", ByteBuilder().TiffHeader(8).U16(3).U16(256).m_bytes, ""},
         TiffCase{"GreedyValues", GreedyValues(), ""}),
-    [](const ::testing::TestParamInfo<TiffCase> &p) { return p.param.name; });
+    CaseName());
 
 // Pointers are followed once and never back into an IFD on the way there;
 // a chain that loops ends where it would repeat, one past the file where it
@@ -139,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "1 2:0[3:1 256 60] 2:1[3:1 256 60]"},
         TiffCase{"LinkPastTheEnd", OneIfd({{256, 3, 1, 1}}, 0x00FFFFF0).m_bytes, "1 2:0[3:1 256 60]"},
         TiffCase{"LinkWithTopBit", OneIfd({{256, 3, 1, 1}}, 0x80000010).m_bytes, ""}),
-    [](const ::testing::TestParamInfo<TiffCase> &p) { return p.param.name; });
+    CaseName());
 
 class ByteOrder : public ::testing::TestWithParam<bool> {};
 
