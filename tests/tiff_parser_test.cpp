@@ -225,10 +225,12 @@ TEST(TiffLoad, AnIfdCutShortByAFailureCountsTheTagsItKept)
 }
 
 // Offsets in the tree are 32-bit, and so is a stream's Tell: a file of 2 GiB
-// or more would wrap them. Such a file is refused before its parse starts.
+// or more would wrap them. Such a file is refused before its parse starts,
+// like a file that isn't there.
 TEST(TiffLoad, FilesOfTwoGigabytesAndMoreAreRefused)
 {
     TempDir dir;
+    EXPECT_EQ(nullptr, zExifLoadFile(dir.Path("none.tif").c_str()));
     for (auto head : std::vector<std::vector<uint8_t>>{{0xFF, 0xD8, 0xFF, 0xDA, 0, 2}, {'I', 'I', 42, 0, 8, 0, 0, 0}}) {
         std::string path = dir.Write("big.bin", head);
         std::filesystem::resize_file(path, (uint64_t(1) << 32) + 64);

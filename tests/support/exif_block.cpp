@@ -8,6 +8,7 @@ const char kBlockDate[21] = "2021:02:03 04:05:06";
 
 namespace {
 
+constexpr uint32_t kBlockDateOffset = 68;
 constexpr uint32_t kExifIfdOffset = 50;
 constexpr uint32_t kIfd1Offset = kBlockDateOffset + 20;
 constexpr uint32_t kThumbDataOffset = kIfd1Offset + 42;

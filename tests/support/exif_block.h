@@ -17,7 +17,6 @@ struct ExifBlockDef {
     bool withLength = true;    // without tag 514
 };
 
-constexpr uint32_t kBlockDateOffset = 68;
 extern const char kBlockDate[21];
 
 std::vector<uint8_t> ExifBlock(const ExifBlockDef &def);

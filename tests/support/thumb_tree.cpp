@@ -1,26 +1,7 @@
 #include "support/thumb_tree.h"
 
 #include "support/tree_builder.h"
-#include "tree/walk.h"
-
-namespace {
-
-void AppendShape(const CNode *node, std::string &out)
-{
-    for (; node != nullptr; node = node->m_next) {
-        if (!out.empty() && out.back() != '[') out += ' ';
-        out += std::to_string(node->m_id);
-        if (node->m_id == NODE_IFD || node->m_id == NODE_ENTRY_COUNT) out += ":" + std::to_string(node->m_value);
-        if (node->m_parent == nullptr && node->m_sig != nullptr) out += "'" + std::string(node->m_sig) + "'";
-        if (node->m_child != nullptr) {
-            out += '[';
-            AppendShape(node->m_child, out);
-            out += ']';
-        }
-    }
-}
-
-}  // namespace
+#include "support/tree_check.h"
 
 CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector<HandTag>> &ifds)
 {
@@ -55,25 +36,7 @@ CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector
 
 std::string TreeShape(const CExifDoc &doc)
 {
-    std::string out;
-    AppendShape(doc.m_root, out);
-    return out;
-}
-
-std::string IfdShape(const CNode *ifd)
-{
-    std::string out;
-    AppendShape(ifd->m_child, out);
-    return out;
-}
-
-std::vector<uint32_t> IfdIndices(CExifDoc &doc)
-{
-    std::vector<uint32_t> indices;
-    for (CNode *node = FindNode(doc.m_root, NODE_IFD); node != nullptr; node = node->m_next) {
-        if (node->m_id == NODE_IFD) indices.push_back(node->m_value);
-    }
-    return indices;
+    return Outline(doc);
 }
 
 std::vector<uint8_t> FakeThumbnail(size_t size, uint8_t seed)

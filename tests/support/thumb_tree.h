@@ -21,14 +21,8 @@ struct HandTag {
 // Returns the header node.
 CNode *HangTiffBlock(CExifDoc &doc, CNode *parent, const std::vector<std::vector<HandTag>> &ifds);
 
-// The tree as text: each node's id, ":value" for IFDs and entry counts, and
-// its children in brackets. Markers that are APPn show their signature.
+// The tree as Outline gives it.
 std::string TreeShape(const CExifDoc &doc);
-// The shape of one IFD's children, e.g. "3:2 271 60".
-std::string IfdShape(const CNode *ifd);
-
-// The ids of the IFD nodes in the order of their chain, with their indices.
-std::vector<uint32_t> IfdIndices(CExifDoc &doc);
 
 // A made-up JPEG thumbnail of that many bytes: SOI, filler, EOI.
 std::vector<uint8_t> FakeThumbnail(size_t size, uint8_t seed = 0);

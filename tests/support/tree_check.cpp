@@ -118,13 +118,6 @@ std::string Outline(const CExifDoc &doc)
     return out;
 }
 
-std::string ChainOutline(const CNode *owner)
-{
-    std::string out;
-    OutlineChain(owner->m_child, out);
-    return out;
-}
-
 std::string TreeDump(const CExifDoc &doc)
 {
     std::string out;

@@ -23,8 +23,6 @@ std::string ShortcutFaults(const CExifDoc &doc);
 // signature of APPn markers, children in brackets. A tag numbered 2 or 3
 // shows as a plain number.
 std::string Outline(const CExifDoc &doc);
-// The same for the chain below an IFD node or pointer tag.
-std::string ChainOutline(const CNode *owner);
 
 // The whole tree as text, each tag with its type, count, m_value and m_size:
 // two dumps differ when a call changed the tree.
