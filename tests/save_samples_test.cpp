@@ -80,11 +80,12 @@ struct SavedSample : ::testing::TestWithParam<std::string> {
 };
 
 // The load holds the IFDs and tags that a plain reading of the bytes finds,
-// and the thumbnail that the reader finds. Saved elsewhere and loaded again,
-// the file has the same tags with the same values IFD by IFD, the same
-// segments in the same order, the same image data and thumbnail, and the
-// source stays as it was; the saved document still serves its thumbnail. The entropy-coded data is copied byte for
-// byte; only bytes behind the last EOI, which the load keeps no node for, may go.
+// and the thumbnail that the reader finds; so does the load of the saved
+// file. Saved elsewhere and loaded again, the file has the same tags with the
+// same values IFD by IFD, the same segments in the same order, the same image
+// data and thumbnail, and the source stays as it was; the saved document
+// still serves its thumbnail. The entropy-coded data is copied byte for byte;
+// only bytes behind the last EOI, which the load keeps no node for, may go.
 TEST_P(SavedSample, ReloadsWithTheSameTagsSegmentsImageAndThumbnail)
 {
     DocPtr before(zExifLoadFile(source.c_str()));
@@ -113,6 +114,11 @@ TEST_P(SavedSample, ReloadsWithTheSameTagsSegmentsImageAndThumbnail)
     DocPtr after(zExifLoadFile(saved.c_str()));
     ASSERT_TRUE(after);
     EXPECT_EQ(tags, TagRecords(*after));
+    RawIfdCounts written = WalkRawIfds(savedBytes);
+    RawIfdCounts reloaded = CountsOf(*after);
+    EXPECT_EQ(written.chain, reloaded.chain);
+    EXPECT_EQ(written.exif, reloaded.exif);
+    EXPECT_EQ(written.gps, reloaded.gps);
     EXPECT_EQ(images, ImageData(*after, savedBytes));
     EXPECT_EQ(thumb, GetThumbnail(after.get()));
     EXPECT_EQ((std::vector<std::string>{"saved" + ext, "source" + ext}), SortedFiles(dir.m_path));
