@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "load/tiff_types.h"
@@ -83,72 +85,96 @@ TEST_P(WriteBlock, LaysOutWhatTheTreeHolds)
     EXPECT_EQ(TagRecords(*doc), TagRecords(*back));
 }
 
-WriteCase Writes(const char *name, const std::vector<IfdDef> &ifds, const ByteBuilder &expected, size_t sourceSize = 0)
+WriteCase Writes(const char *name, const std::vector<IfdDef> &ifds, const std::vector<uint8_t> &expected,
+                 size_t sourceSize = 0)
 {
-    return {name, ifds, sourceSize, expected.m_bytes};
+    return {name, ifds, sourceSize, expected};
 }
 
-// The bytes of a block of one IFD, its entries and link written by entries.
-ByteBuilder OneIfd(uint16_t count)
+WriteCase Reloads(const char *name, const std::vector<IfdDef> &ifds)
+{
+    return {name, ifds, 0, {}};
+}
+
+using Entries = std::vector<std::array<uint32_t, 4>>;
+
+// An IFD as written: its count, its entries as {tag, type, count, value},
+// and its link.
+std::vector<uint8_t> Ifd(const Entries &entries, uint32_t link)
 {
     ByteBuilder b;
-    b.TiffHeader(8).U16(count);
-    return b;
+    b.U16(uint16_t(entries.size()));
+    for (const auto &e : entries) b.Entry(uint16_t(e[0]), uint16_t(e[1]), e[2], e[3]);
+    return b.U32(link).m_bytes;
+}
+
+// A block whose IFD 0 stands at 8.
+std::vector<uint8_t> Block(const Entries &entries, uint32_t link = 0)
+{
+    ByteBuilder b;
+    b.TiffHeader(8);
+    return Concat({b.m_bytes, Ifd(entries, link)});
+}
+
+std::vector<uint8_t> Longs(const std::vector<uint32_t> &numbers)
+{
+    ByteBuilder b;
+    for (uint32_t n : numbers) b.U32(n);
+    return b.m_bytes;
+}
+
+std::vector<uint8_t> Text(const std::string &text)
+{
+    return std::vector<uint8_t>(text.c_str(), text.c_str() + text.size() + 1);
 }
 
 // A value that fits stands in the slot as the tree holds it; any other goes
 // behind the link, at 26 in a block of one entry.
 WriteCase Slot(const char *name, uint32_t type, const std::vector<uint8_t> &bytes)
 {
-    ByteBuilder b = OneIfd(1);
     EntryDef entry = Bytes(700, type, bytes);
-    if (bytes.size() <= 4) return Writes(name, {{entry}}, b.EntryRaw(700, uint16_t(type), entry.count, bytes).U32(0));
-    return Writes(name, {{entry}}, b.Entry(700, uint16_t(type), entry.count, 26).U32(0).Bytes(bytes));
+    if (bytes.size() > 4) return Writes(name, {{entry}}, Concat({Block({{700, type, entry.count, 26}}), bytes}));
+    ByteBuilder b;
+    b.TiffHeader(8).U16(1).EntryRaw(700, uint16_t(type), entry.count, bytes).U32(0);
+    return Writes(name, {{entry}}, b.m_bytes);
 }
 
 const char *const kDate = "2008:05:30 15:56:01";
 
-IfdDef ManyTags(int count)
+// An IFD of count SHORT tags, and the block it makes.
+IfdDef ManyTags(uint32_t count)
 {
     IfdDef many;
-    for (int i = 0; i < count; i++) many.push_back(Short(1000 + i, uint16_t(i)));
+    for (uint32_t i = 0; i < count; i++) many.push_back(Short(int32_t(1000 + i), uint16_t(i)));
     return many;
 }
 
-ByteBuilder ManyEntries(uint16_t count)
+std::vector<uint8_t> ManyEntries(uint32_t count)
 {
-    ByteBuilder b = OneIfd(count);
-    for (uint16_t i = 0; i < count; i++) b.Entry(uint16_t(1000 + i), 3, 1, i);
-    return b.U32(0);
+    Entries entries;
+    for (uint32_t i = 0; i < count; i++) entries.push_back({1000 + i, 3, 1, i});
+    return Block(entries);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Values, WriteBlock,
-    ::testing::Values(
-        Writes("ExifIfdBehindIfd0Values", {{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, kDate)})}},
-               OneIfd(2)
-                   .Entry(271, 2, 6, 38)
-                   .Entry(34665, 4, 1, 44)
-                   .U32(0)
-                   .Text("Canon")
-                   .U8(0)
-                   .U16(1)
-                   .Entry(36867, 2, 20, 62)
-                   .U32(0)
-                   .Text(kDate)
-                   .U8(0)),
-        Slot("RationalBehind", TIFF_RATIONAL, {1, 0, 0, 0, 2, 0, 0, 0}),
-        Slot("AsciiInline", TIFF_ASCII, {'a', 'b', 'c', 0}), Slot("AsciiBehind", TIFF_ASCII, {'a', 'b', 'c', 'd', 0}),
-        Slot("ShortsInline", TIFF_SHORT, {1, 0, 2, 0}), Slot("ShortsBehind", TIFF_SHORT, {1, 0, 2, 0, 3, 0}),
-        Slot("LongInline", TIFF_LONG, {7, 0, 0, 0}), Slot("LongsBehind", TIFF_LONG, {7, 0, 0, 0, 8, 0, 0, 0}),
-        Slot("UndefinedInline", TIFF_UNDEFINED, {9, 8, 7, 6}),
-        Slot("DoubleBehind", TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}),
-        Writes("ValuesBehindEachOtherUnpadded", {{Ascii(270, "abcd"), Ascii(271, "efghi")}},
-               OneIfd(2).Entry(270, 2, 5, 38).Entry(271, 2, 6, 43).U32(0).Text("abcd").U8(0).Text("efghi").U8(0)),
-        Writes("LongOfCountZero", {{Bytes(700, TIFF_LONG, {})}}, OneIfd(1).Entry(700, 4, 0, 26).U32(0)),
-        Writes("UnknownTypeKeepsItsSlot", {{EntryDef{700, 13, 7, {1, 2, 3, 4}, {}}}},
-               OneIfd(1).EntryRaw(700, 13, 7, {1, 2, 3, 4}).U32(0)),
-        Writes("AHundredAndOneTags", {ManyTags(101)}, ManyEntries(101))),
+    ::testing::Values(Writes("ExifIfdBehindIfd0Values", {{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, kDate)})}},
+                             Concat({Block({{271, 2, 6, 38}, {34665, 4, 1, 44}}), Text("Canon"),
+                                     Ifd({{36867, 2, 20, 62}}, 0), Text(kDate)})),
+                      Slot("RationalBehind", TIFF_RATIONAL, {1, 0, 0, 0, 2, 0, 0, 0}),
+                      Slot("AsciiInline", TIFF_ASCII, {'a', 'b', 'c', 0}),
+                      Slot("AsciiBehind", TIFF_ASCII, {'a', 'b', 'c', 'd', 0}),
+                      Slot("ShortsInline", TIFF_SHORT, {1, 0, 2, 0}),
+                      Slot("ShortsBehind", TIFF_SHORT, {1, 0, 2, 0, 3, 0}), Slot("LongInline", TIFF_LONG, {7, 0, 0, 0}),
+                      Slot("LongsBehind", TIFF_LONG, {7, 0, 0, 0, 8, 0, 0, 0}),
+                      Slot("UndefinedInline", TIFF_UNDEFINED, {9, 8, 7, 6}),
+                      Slot("DoubleBehind", TIFF_DOUBLE, {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}),
+                      Writes("ValuesBehindEachOtherUnpadded", {{Ascii(270, "abcd"), Ascii(271, "efghi")}},
+                             Concat({Block({{270, 2, 5, 38}, {271, 2, 6, 43}}), Text("abcd"), Text("efghi")})),
+                      Writes("LongOfCountZero", {{Bytes(700, TIFF_LONG, {})}}, Block({{700, 4, 0, 26}})),
+                      Writes("UnknownTypeKeepsItsSlot", {{EntryDef{700, 13, 7, {1, 2, 3, 4}, {}}}},
+                             Block({{700, 13, 7, 0x04030201}})),
+                      Writes("AHundredAndOneTags", {ManyTags(101)}, ManyEntries(101))),
     CaseName());
 
 // Sub-IFDs at any depth are sized and written, tags numbered like structural
@@ -158,40 +184,24 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Pointers, WriteBlock,
     ::testing::Values(
-        WriteCase{
-            "StructuralNumbers",
-            {{Short(60, 5), Short(70, 7), Pointer(34853, {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)})}},
-            0,
-            {}},
-        WriteCase{"GpsInsideTheExifIfd",
-                  {{Short(274, 1),
-                    Pointer(34665, {Ascii(36867, kDate), Pointer(34853, {Ascii(1, "N"), Rational(2, 1, 2)})})}},
-                  0,
-                  {}},
-        WriteCase{
-            "SecondIfdBehindAllOfTheFirst",
-            {{Short(274, 1), Pointer(34665, {Ascii(36867, kDate)}), Pointer(34853, {Ascii(1, "N")})}, {Short(259, 6)}},
-            0,
-            {}},
+        Reloads("StructuralNumbers", {{Short(60, 5), Short(70, 7),
+                                       Pointer(34853, {Ascii(1, "N"), Short(2, 2), Ascii(3, "E"), Short(4, 4)})}}),
+        Reloads("GpsInsideTheExifIfd",
+                {{Short(274, 1),
+                  Pointer(34665, {Ascii(36867, kDate), Pointer(34853, {Ascii(1, "N"), Rational(2, 1, 2)})})}}),
+        Reloads("SecondIfdBehindAllOfTheFirst",
+                {{Short(274, 1), Pointer(34665, {Ascii(36867, kDate)}), Pointer(34853, {Ascii(1, "N")})},
+                 {Short(259, 6)}}),
         Writes("InteropIfdWithAChain", {{Pointer(34665, {Short(40961, 1), Pointer(40965, {Ascii(1, "R98")})})}},
-               OneIfd(1)
-                   .Entry(34665, 4, 1, 26)
-                   .U32(0)
-                   .U16(2)
-                   .Entry(40961, 3, 1, 1)
-                   .Entry(40965, 4, 1, 56)
-                   .U32(0)
-                   .U16(1)
-                   .EntryRaw(1, 2, 4, {'R', '9', '8', 0})
-                   .U32(0)),
+               Concat({Block({{34665, 4, 1, 26}}), Ifd({{40961, 3, 1, 1}, {40965, 4, 1, 56}}, 0),
+                       Ifd({{1, 2, 4, 0x00383952}}, 0)})),
         Writes("ChildlessInteropPointer", {{Pointer(34665, {Short(40961, 1), Long(40965, 1234)})}},
-               OneIfd(1).Entry(34665, 4, 1, 26).U32(0).U16(1).Entry(40961, 3, 1, 1).U32(0)),
-        Writes("SubIfdEmptiedByDrops", {{Short(274, 1), Pointer(34665, {Long(40965, 1234)})}},
-               OneIfd(1).Entry(274, 3, 1, 1).U32(0)),
-        Writes("EmptiedIfd", {{Long(40965, 1)}, {Short(259, 6)}}, OneIfd(1).Entry(259, 3, 1, 6).U32(0)),
-        Writes("NoIfds", {}, ByteBuilder().TiffHeader(0)),
+               Concat({Block({{34665, 4, 1, 26}}), Ifd({{40961, 3, 1, 1}}, 0)})),
+        Writes("SubIfdEmptiedByDrops", {{Short(274, 1), Pointer(34665, {Long(40965, 1234)})}}, Block({{274, 3, 1, 1}})),
+        Writes("EmptiedIfd", {{Long(40965, 1)}, {Short(259, 6)}}, Block({{259, 3, 1, 6}})),
+        Writes("NoIfds", {}, {'I', 'I', 42, 0, 0, 0, 0, 0}),
         Writes("OffsetsThatCantMove", {{Short(274, 1), Long(288, 100), Long(289, 10), Long(330, 500), Long(513, 77)}},
-               OneIfd(1).Entry(274, 3, 1, 1).U32(0))),
+               Block({{274, 3, 1, 1}}))),
     CaseName());
 
 // The strip arrays stand among the values in entry order, the strips behind
@@ -201,52 +211,23 @@ INSTANTIATE_TEST_SUITE_P(
 // own image data or none.
 INSTANTIATE_TEST_SUITE_P(
     Strips, WriteBlock,
-    ::testing::Values(Writes("ShortStrips",
-                             {{Numbers(273, TIFF_SHORT, {150, 100, 50}), Numbers(279, TIFF_SHORT, {10, 20, 30})}},
-                             OneIfd(2)
-                                 .Entry(273, 4, 3, 38)
-                                 .Entry(279, 4, 3, 50)
-                                 .U32(0)
-                                 .U32(62)
-                                 .U32(72)
-                                 .U32(92)
-                                 .U32(10)
-                                 .U32(20)
-                                 .U32(30)
-                                 .Bytes(At(150, 10))
-                                 .Bytes(At(100, 20))
-                                 .Bytes(At(50, 30)),
-                             200),
-                      Writes("OneLongStrip", {{Long(273, 900), Long(279, 1000)}},
-                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 1000).U32(0).Bytes(At(900, 1000)), 2000),
-                      Writes("OneShortStrip", {{Short(273, 900), Short(279, 1000)}},
-                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 1000).U32(0).Bytes(At(900, 1000)), 2000),
-                      Writes("Tiles",
-                             {{Long(322, 16), Numbers(324, TIFF_LONG, {40, 10}), Numbers(325, TIFF_LONG, {5, 6})}},
-                             OneIfd(3)
-                                 .Entry(322, 4, 1, 16)
-                                 .Entry(324, 4, 2, 50)
-                                 .Entry(325, 4, 2, 58)
-                                 .U32(0)
-                                 .U32(66)
-                                 .U32(71)
-                                 .U32(5)
-                                 .U32(6)
-                                 .Bytes(At(40, 5))
-                                 .Bytes(At(10, 6)),
-                             100),
-                      Writes("StripsOverTiles", {{Long(273, 10), Long(279, 4), Long(324, 50), Long(325, 8)}},
-                             OneIfd(2).Entry(273, 4, 1, 38).Entry(279, 4, 1, 4).U32(0).Bytes(At(10, 4)), 100),
-                      Writes("IfdWithoutStrips", {{Short(274, 1)}, {Long(273, 60), Long(279, 7)}},
-                             OneIfd(1)
-                                 .Entry(274, 3, 1, 1)
-                                 .U32(26)
-                                 .U16(2)
-                                 .Entry(273, 4, 1, 56)
-                                 .Entry(279, 4, 1, 7)
-                                 .U32(0)
-                                 .Bytes(At(60, 7)),
-                             100)),
+    ::testing::Values(
+        Writes("ShortStrips", {{Numbers(273, TIFF_SHORT, {150, 100, 50}), Numbers(279, TIFF_SHORT, {10, 20, 30})}},
+               Concat({Block({{273, 4, 3, 38}, {279, 4, 3, 50}}), Longs({62, 72, 92, 10, 20, 30}), At(150, 10),
+                       At(100, 20), At(50, 30)}),
+               200),
+        Writes("OneLongStrip", {{Long(273, 900), Long(279, 1000)}},
+               Concat({Block({{273, 4, 1, 38}, {279, 4, 1, 1000}}), At(900, 1000)}), 2000),
+        Writes("OneShortStrip", {{Short(273, 900), Short(279, 1000)}},
+               Concat({Block({{273, 4, 1, 38}, {279, 4, 1, 1000}}), At(900, 1000)}), 2000),
+        Writes("Tiles", {{Long(322, 16), Numbers(324, TIFF_LONG, {40, 10}), Numbers(325, TIFF_LONG, {5, 6})}},
+               Concat({Block({{322, 4, 1, 16}, {324, 4, 2, 50}, {325, 4, 2, 58}}), Longs({66, 71, 5, 6}), At(40, 5),
+                       At(10, 6)}),
+               100),
+        Writes("StripsOverTiles", {{Long(273, 10), Long(279, 4), Long(324, 50), Long(325, 8)}},
+               Concat({Block({{273, 4, 1, 38}, {279, 4, 1, 4}}), At(10, 4)}), 100),
+        Writes("IfdWithoutStrips", {{Short(274, 1)}, {Long(273, 60), Long(279, 7)}},
+               Concat({Block({{274, 3, 1, 1}}, 26), Ifd({{273, 4, 1, 56}, {279, 4, 1, 7}}, 0), At(60, 7)}), 100)),
     CaseName());
 
 // Strip tags that disagree can't describe strips; a TIFF file whose strips the
@@ -262,11 +243,11 @@ TEST(WriteBlock, RefusesOrDropsWhatCantBeWritten)
     }
     IfdDef outside = {Short(274, 1), Long(273, 90), Long(279, 20)};
     EXPECT_TRUE(Write(*TiffDoc({outside}), 100, true).empty());
-    EXPECT_EQ(OneIfd(1).Entry(274, 3, 1, 1).U32(0).m_bytes, Write(*TiffDoc({outside}), 100, false));
+    EXPECT_EQ(Block({{274, 3, 1, 1}}), Write(*TiffDoc({outside}), 100, false));
 
     auto typeZero = TiffDoc({{Short(274, 1), Short(275, 2)}});
     AsTag(FindNode(typeZero->m_root, 275))->m_type = 0;
-    EXPECT_EQ(OneIfd(1).Entry(274, 3, 1, 1).U32(0).m_bytes, Write(*typeZero));
+    EXPECT_EQ(Block({{274, 3, 1, 1}}), Write(*typeZero));
 
     auto doc = TiffDoc({{Ascii(271, "Canon"), Pointer(34665, {Ascii(36867, kDate)})}});
     std::vector<uint8_t> small(81, 0);
@@ -285,9 +266,8 @@ TEST(WriteBlock, JpegThumbnailIsLastAndItsLengthTheBytesWritten)
     auto doc = TiffDoc({{Short(274, 1)}, {Short(259, 6), Long(513, 9999), Long(514, 3)}});
     std::vector<uint8_t> thumb = {0xFF, 0xD8, 1, 2, 3, 0xFF, 0xD9};
     doc->m_thumbTag->SetData(thumb.data(), int32_t(thumb.size()));
-    ByteBuilder expected = OneIfd(1).Entry(274, 3, 1, 1).U32(26);
-    expected.U16(3).Entry(259, 3, 1, 6).Entry(513, 4, 1, 68).Entry(514, 4, 1, 7).U32(0).Bytes(thumb);
-    EXPECT_EQ(expected.m_bytes, Write(*doc));
+    std::vector<uint8_t> ifd1 = Ifd({{259, 3, 1, 6}, {513, 4, 1, 68}, {514, 4, 1, 7}}, 0);
+    EXPECT_EQ(Concat({Block({{274, 3, 1, 1}}, 26), ifd1, thumb}), Write(*doc));
 }
 
 // A stream of any length that reads zeros and keeps nothing it is given,
