@@ -49,9 +49,9 @@ TEST_F(TiffDoc, PoursTableTagsIntoTheExifIfd)
     EXPECT_EQ(1, zExifIsExifExist(&doc));
 
     TifTagList *list = MakeList({Short(41986, 1), EntryDef{36868, 2, 20, {}, {}}, EntryDef{41987, 99, 3, {}, {}},
-                                 EntryDef{41988, 5, 1, {}, {}}, EntryDef{41990, 3, 0, {}, {}}, Short(41989, 1)});
-    std::free(list->items[5]);
-    list->items[5] = nullptr;
+                                 EntryDef{41990, 3, 0, {}, {}}, EntryDef{41989, 3, 1, {}, {}}});
+    std::free(list->items[4]);
+    list->items[4] = nullptr;
     ASSERT_EQ(0, zExifSetTIFExifData(&doc, list));
     EXPECT_EQ("1 2:0[3:3 256 271 34665[3:5 274 36867 41986 41987 41990 60] 60]", Outline(doc));
     EXPECT_EQ("", RunSteps(doc, {Get(Short(41986, 1), 0)}));
