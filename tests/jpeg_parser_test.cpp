@@ -13,16 +13,16 @@ namespace {
 const std::vector<uint8_t> SOI = {0xFF, 0xD8};
 const std::vector<uint8_t> EOI = {0xFF, 0xD9};
 
-// The markers of the top-level chain as "id:offset:size".
-std::vector<std::string> Chain(const CExifDoc &doc)
+// The markers of the top-level chain as "id:offset:size", one after another.
+std::string Chain(const CExifDoc &doc)
 {
-    std::vector<std::string> ids;
+    std::string chain;
     for (CNode *node = doc.m_root; node != nullptr; node = node->m_next) {
         CMarker *marker = static_cast<CMarker *>(node);
-        ids.push_back(std::to_string(node->m_id) + ":" + std::to_string(marker->m_offset) + ":" +
-                      std::to_string(marker->m_size));
+        chain += (chain.empty() ? "" : " ") + std::to_string(node->m_id) + ":" + std::to_string(marker->m_offset) +
+                 ":" + std::to_string(marker->m_size);
     }
-    return ids;
+    return chain;
 }
 
 std::vector<uint8_t> MinimalTiff(bool bigEndian = false)
@@ -41,18 +41,14 @@ std::vector<uint8_t> Scan(const std::vector<uint8_t> &data)
 struct ChainCase {
     const char *name;
     std::vector<uint8_t> file;
-    std::vector<std::string> chain;
+    std::string chain;
 };
 
 class JpegChain : public ::testing::TestWithParam<ChainCase> {};
 
 TEST_P(JpegChain, FollowsTheFile)
 {
-    DocPtr doc = LoadBytes(GetParam().file);
-    ASSERT_EQ(!GetParam().chain.empty(), doc != nullptr);
-    if (doc) {
-        EXPECT_EQ(GetParam().chain, Chain(*doc));
-    }
+    EXPECT_EQ(GetParam().chain, DescribeLoad(GetParam().file, Chain));
 }
 
 // The scan data is one run up to EOI, whatever markers stand in it; bytes
@@ -64,30 +60,27 @@ TEST_P(JpegChain, FollowsTheFile)
 INSTANTIATE_TEST_SUITE_P(
     Files, JpegChain,
     ::testing::Values(
-        ChainCase{"SoiAlone", SOI, {"216:0:0"}}, ChainCase{"SoiAndEoi", Concat({SOI, EOI}), {"216:0:0", "217:0:0"}},
-        ChainCase{"LoneFf", {0xFF}, {}}, ChainCase{"EoiFirst", EOI, {}},
-        ChainCase{"ScanUpToEoi",
-                  Concat({SOI, Scan({0xFF, 0x00, 1, 2, 0xFF, 0xD0, 3, 0xFF, 0xC4, 0, 5}), EOI}),
-                  {"216:0:0", "218:6:6", "161:12:11", "217:0:0"}},
-        ChainCase{"BehindEoi",
-                  Concat({SOI, Scan({1}), EOI, {9, 9}, EOI, {7}}),
-                  {"216:0:0", "218:6:6", "161:12:1", "217:0:0", "161:15:2", "217:0:0"}},
+        ChainCase{"SoiAlone", SOI, "216:0:0"}, ChainCase{"SoiAndEoi", Concat({SOI, EOI}), "216:0:0 217:0:0"},
+        ChainCase{"LoneFf", {0xFF}, ""}, ChainCase{"EoiFirst", EOI, ""},
+        ChainCase{"ScanUpToEoi", Concat({SOI, Scan({0xFF, 0x00, 1, 2, 0xFF, 0xD0, 3, 0xFF, 0xC4, 0, 5}), EOI}),
+                  "216:0:0 218:6:6 161:12:11 217:0:0"},
+        ChainCase{"BehindEoi", Concat({SOI, Scan({1}), EOI, {9, 9}, EOI, {7}}),
+                  "216:0:0 218:6:6 161:12:1 217:0:0 161:15:2 217:0:0"},
         ChainCase{"SegmentsBehindTheScan",
                   Concat({SOI, Scan({7, 7}), JpegSegment(0xDB, {1, 2}), ExifApp1(MinimalTiff(true)), {8}, EOI, {9}}),
-                  {"216:0:0", "218:6:6", "161:12:8", "225:24:32", "161:56:1", "217:0:0"}},
-        ChainCase{"FfInFrontOfACode",
-                  {0xFF, 0xD8, 0xFF, 0xFF, 0x00, 0x04, 'a', 'b', 0xFF, 0xD9},
-                  {"216:0:0", "255:6:2", "217:0:0"}},
-        ChainCase{"CutFf", {0xFF, 0xD8, 0xFF}, {"216:0:0"}},
-        ChainCase{"CutLength", {0xFF, 0xD8, 0xFF, 0xDB, 0x00}, {"216:0:0"}},
-        ChainCase{"CutSignature", {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F'}, {"216:0:0"}},
-        ChainCase{"CutPayload", {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x10, 1, 2}, {"216:0:0", "219:6:14"}},
+                  "216:0:0 218:6:6 161:12:8 225:24:32 161:56:1 217:0:0"},
+        ChainCase{
+            "FfInFrontOfACode", {0xFF, 0xD8, 0xFF, 0xFF, 0x00, 0x04, 'a', 'b', 0xFF, 0xD9}, "216:0:0 255:6:2 217:0:0"},
+        ChainCase{"CutFf", {0xFF, 0xD8, 0xFF}, "216:0:0"},
+        ChainCase{"CutLength", {0xFF, 0xD8, 0xFF, 0xDB, 0x00}, "216:0:0"},
+        ChainCase{"CutSignature", {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F'}, "216:0:0"},
+        ChainCase{"CutPayload", {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x10, 1, 2}, "216:0:0 219:6:14"},
         ChainCase{"CutScanBeforeAnFf",
                   {0xFF, 0xD8, 0xFF, 0xDA, 0x00, 0x08, 1, 2, 3, 4, 5, 6, 0x11, 0xFF},
-                  {"216:0:0", "218:6:6", "161:12:1"}},
+                  "216:0:0 218:6:6 161:12:1"},
         ChainCase{"LengthsBelowTwo",
                   {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x00, 0xFF, 0xE0, 0x00, 0x01, 0xFF, 0xD9, 0, 0},
-                  {"216:0:0", "219:6:-2", "161:4:2", "224:10:-1", "161:9:1", "217:0:0"}}),
+                  "216:0:0 219:6:-2 161:4:2 224:10:-1 161:9:1 217:0:0"}),
     CaseName());
 
 TEST(JpegLoad, EveryExifSegmentIsParsedAndTheLastIsRemembered)
@@ -163,7 +156,7 @@ TEST_P(ExifOffsets, OutsideTheFileAreRefusedOrReadAsNothing)
     DocPtr doc = LoadBytes(Concat({SOI, ExifApp1(BlockWithOffset(param.field, param.offset)), EOI}));
     ASSERT_EQ(param.loads, doc != nullptr);
     if (!doc) return;
-    EXPECT_EQ((std::vector<std::string>{"216:0:0", "225:6:70", "217:0:0"}), Chain(*doc));
+    EXPECT_EQ("216:0:0 225:6:70 217:0:0", Chain(*doc));
     if (param.field == FIRST_IFD) {
         EXPECT_EQ(0, doc->CountIfds());
         return;

@@ -10,6 +10,12 @@ DocPtr LoadBytes(const std::vector<uint8_t> &bytes)
     return DocPtr(zExifLoadFile(path.c_str()));
 }
 
+std::string DescribeLoad(const std::vector<uint8_t> &bytes, std::string (*describe)(const CExifDoc &))
+{
+    DocPtr doc = LoadBytes(bytes);
+    return doc ? describe(*doc) : "";
+}
+
 std::vector<CTag *> TagsOf(CNode *parent)
 {
     std::vector<CTag *> tags;
