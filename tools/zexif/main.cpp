@@ -8,15 +8,15 @@
 
 namespace {
 
-void PrintHelp()
+void PrintHelp(FILE *out)
 {
-    std::printf("usage: zexif COMMAND ARGUMENTS...\n"
+    std::fprintf(out, "usage: zexif COMMAND ARGUMENTS...\n"
                 "Shows and edits the Exif, GPS, thumbnail and audio metadata of JPEG and TIFF files.\n"
                 "Without arguments, dumps the sample image built with the tool.\n\ncommands:\n");
     size_t count;
     const Command *commands = CommandTable(&count);
-    for (size_t i = 0; i < count; ++i) std::printf("  %-14s %s\n", commands[i].name, commands[i].summary);
-    std::printf("\nzexif COMMAND --help tells more about a command. The exit status is 0 for success,\n"
+    for (size_t i = 0; i < count; ++i) std::fprintf(out, "  %-14s %s\n", commands[i].name, commands[i].summary);
+    std::fprintf(out, "\nzexif COMMAND --help tells more about a command. The exit status is 0 for success,\n"
                 "1 when a file could not be handled, 2 for wrong arguments.\n");
 }
 
@@ -47,18 +47,30 @@ int RunCommand(const Command &command, const std::vector<std::string> &arguments
     return status == EXIT_USAGE ? Usage(command) : status;
 }
 
+// An installed tool may have no build directory with the sample beside it.
+bool SampleExists()
+{
+    FILE *sample = std::fopen(ZEXIF_SAMPLE_JPEG, "rb");
+    if (sample != nullptr) std::fclose(sample);
+    return sample != nullptr;
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc < 2) return RunDump({ZEXIF_SAMPLE_JPEG});
+    if (argc < 2 && SampleExists()) return RunDump({ZEXIF_SAMPLE_JPEG});
+    if (argc < 2) {
+        PrintHelp(stderr);
+        return EXIT_USAGE;
+    }
     const std::string name = argv[1];
     if (IsHelp(name)) {
-        PrintHelp();
+        PrintHelp(stdout);
         return EXIT_OK;
     }
     if (name == "help" && argc == 2) {
-        PrintHelp();
+        PrintHelp(stdout);
         return EXIT_OK;
     }
     const Command *command = FindCommand(name == "help" ? argv[2] : name);
