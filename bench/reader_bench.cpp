@@ -1,8 +1,12 @@
 // Per sample file: open, read Make, Model, DateTimeOriginal and ExposureTime,
 // close. zExifLib's reader beside libexif and exiv2 doing the same work.
+// libexif runs twice: through exif_data_new_from_file, its one call for the
+// job, and through its loader with the pass that completes and corrects the
+// data left off, which the four tags don't need.
 #include <benchmark/benchmark.h>
 #include <exiv2/exiv2.hpp>
 #include <libexif/exif-data.h>
+#include <libexif/exif-loader.h>
 
 #include <algorithm>
 #include <cstring>
@@ -46,10 +50,8 @@ int ReadWithZexif(const std::string &path, size_t *bytes)
     return found;
 }
 
-int ReadWithLibexif(const std::string &path, size_t *bytes)
+int FindWithLibexif(ExifData *data, size_t *bytes)
 {
-    ExifData *data = exif_data_new_from_file(path.c_str());
-    if (data == nullptr) return 0;
     int found = 0;
     for (const WantedTag &tag : kWanted) {
         ExifEntry *entry = exif_content_get_entry(data->ifd[tag.ifd], static_cast<ExifTag>(tag.number));
@@ -59,6 +61,28 @@ int ReadWithLibexif(const std::string &path, size_t *bytes)
     }
     exif_data_unref(data);
     return found;
+}
+
+int ReadWithLibexif(const std::string &path, size_t *bytes)
+{
+    ExifData *data = exif_data_new_from_file(path.c_str());
+    return data != nullptr ? FindWithLibexif(data, bytes) : 0;
+}
+
+int ReadWithLibexifNoFix(const std::string &path, size_t *bytes)
+{
+    ExifLoader *loader = exif_loader_new();
+    exif_loader_write_file(loader, path.c_str());
+    const unsigned char *block = nullptr;
+    unsigned int size = 0;
+    exif_loader_get_buf(loader, &block, &size);
+    ExifData *data = block != nullptr ? exif_data_new() : nullptr;
+    if (data != nullptr) {
+        exif_data_unset_option(data, EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
+        exif_data_load_data(data, block, size);
+    }
+    exif_loader_unref(loader);
+    return data != nullptr ? FindWithLibexif(data, bytes) : 0;
 }
 
 int ReadWithExiv2(const std::string &path, size_t *bytes)
@@ -122,7 +146,10 @@ std::vector<std::string> Samples(const std::string &root)
 void RegisterAll()
 {
     const std::pair<const char *, Reader> libraries[] = {
-        {"zexif", ReadWithZexif}, {"libexif", ReadWithLibexif}, {"exiv2", ReadWithExiv2}};
+        {"zexif", ReadWithZexif},
+        {"libexif", ReadWithLibexif},
+        {"libexif-nofix", ReadWithLibexifNoFix},
+        {"exiv2", ReadWithExiv2}};
     std::string root = SamplesRoot();
     std::vector<std::string> samples = Samples(root);
     for (const auto &[name, read] : libraries) {

@@ -25,8 +25,8 @@ int LoadAudioSegment(CExifReader *reader, const ReaderSegment &entry, AudioSegme
     if (entry.size < 1) return 0;
     segment->m_data = new (std::nothrow) unsigned char[static_cast<uint32_t>(entry.size)];
     if (segment->m_data == nullptr) return 0;
-    reader->m_stream->Seek(0, entry.offset);
-    segment->m_size = static_cast<int32_t>(reader->m_stream->Read(segment->m_data, static_cast<uint32_t>(entry.size)));
+    reader->m_file.Seek(0, entry.offset);
+    segment->m_size = static_cast<int32_t>(reader->m_file.Read(segment->m_data, static_cast<uint32_t>(entry.size)));
     return 1;
 }
 
@@ -97,6 +97,7 @@ SegmentStep WriteSegment(CExifReader *reader, const AudioSegment &segment, const
 
 int zRExifIsAudioExist(CExifReader *reader)
 {
+    if (reader == nullptr) return 0;
     for (int32_t i = 0; i < reader->m_fpxrCount; i++) {
         AudioSegment segment;
         if (!LoadAudioSegment(reader, reader->m_fpxrSegments[i], &segment)) break;
@@ -109,10 +110,11 @@ int zRExifIsAudioExist(CExifReader *reader)
 }
 
 // The file is made only when a head is met. A table that runs out before the
-// RIFF length is reached leaves a short file, which still counts as written.
+// RIFF length is reached leaves a short file, which still counts as written;
+// one cut short by a failed read doesn't.
 int zRExifGetAudioFile(CExifReader *reader, const void *path)
 {
-    if (reader->m_fpxrCount < 1) return -1;
+    if (reader == nullptr || path == nullptr || reader->m_fpxrCount < 1) return -1;
     AudioOutput output;
     for (int32_t i = 0; i < reader->m_fpxrCount; i++) {
         AudioSegment segment;
@@ -123,5 +125,5 @@ int zRExifGetAudioFile(CExifReader *reader, const void *path)
     }
     if (output.m_file == nullptr) return -1;
     std::fclose(output.m_file);
-    return 0;
+    return reader->m_file.HasFailed() ? -1 : 0;
 }

@@ -2,34 +2,44 @@
 
 #include <cstring>
 
+#include "platform/read_only_file.h"
+
 CCachedFileObj::~CCachedFileObj()
 {
-    DeleteStream(m_file);
+    if (m_file >= 0) CloseReadOnlyFile(m_file);
 }
 
-int CCachedFileObj::PlaceFile(int64_t position)
+int CCachedFileObj::Open(const void *path)
 {
-    if (m_filePos == position) return 1;
-    if (position > INT32_MAX || m_file->Seek(0, static_cast<int32_t>(position)) != 0) {
-        m_filePos = -1;
+    if (m_file >= 0) return 0;
+    m_file = OpenReadOnlyFile(path);
+    return m_file >= 0;
+}
+
+// A short read ends the file there; one that gave nothing only says the file
+// ends at position or before.
+uint32_t CCachedFileObj::ReadFile(int64_t position, unsigned char *buffer, uint32_t size)
+{
+    int64_t got = ReadFileAt(m_file, position, buffer, size);
+    if (got < 0) {
+        m_failed = 1;
         return 0;
     }
-    m_filePos = position;
-    return 1;
+    if (got > 0 && got < size) m_size = position + got;
+    return static_cast<uint32_t>(got);
 }
 
 // A short read is the end of the file: the head holds all of it then.
 int CCachedFileObj::ExtendHead(int64_t end)
 {
     if (end > FILE_HEAD_LIMIT) return 0;
-    if (end <= m_headSize || m_headComplete || !PlaceFile(m_headSize)) return 1;
+    if (end <= m_headSize || m_headComplete) return 1;
     uint32_t target = m_headSize + FILE_HEAD_STEP;
     if (target < end) target = static_cast<uint32_t>(end);
     if (target > FILE_HEAD_LIMIT) target = FILE_HEAD_LIMIT;
     uint32_t asked = target - m_headSize;
-    uint32_t got = m_file->Read(m_head + m_headSize, asked);
+    uint32_t got = ReadFile(m_headSize, m_head + m_headSize, asked);
     m_headSize += got;
-    m_filePos = m_headSize;
     if (got < asked) {
         m_headComplete = 1;
         m_size = m_headSize;
@@ -45,26 +55,34 @@ uint32_t CCachedFileObj::HeadView(int64_t position, uint32_t size, unsigned char
     return available < size ? available : size;
 }
 
-// Behind the head the file's own buffer serves reads that follow each other.
-uint32_t CCachedFileObj::ReadDirect(unsigned char *buffer, uint32_t size)
+// The window starts on a multiple of its size, or at the read when that would
+// cut the read off. A window the file's end cut short still stands for all its
+// span: what lies behind the end is known to be nothing.
+uint32_t CCachedFileObj::ReadThroughWindow(unsigned char *buffer, uint32_t size)
 {
-    if (!PlaceFile(m_pos)) return 0;
-    uint32_t got = m_file->Read(buffer, size);
-    m_filePos = m_pos + got;
-    if (got > 0 && got < size) m_size = m_filePos;
+    if (m_windowStart < 0 || m_pos < m_windowStart || m_pos + size > m_windowStart + FILE_WINDOW_SIZE) {
+        m_windowStart = m_pos - m_pos % FILE_WINDOW_SIZE;
+        if (m_pos + size > m_windowStart + FILE_WINDOW_SIZE) m_windowStart = m_pos;
+        m_windowSize = ReadFile(m_windowStart, m_window, FILE_WINDOW_SIZE);
+    }
+    uint32_t skip = static_cast<uint32_t>(m_pos - m_windowStart);
+    if (skip >= m_windowSize) return 0;
+    uint32_t got = m_windowSize - skip < size ? m_windowSize - skip : size;
+    std::memcpy(buffer, m_window + skip, got);
     return got;
 }
 
-uint32_t CCachedFileObj::Read(void *buffer, uint32_t size)
+uint32_t CCachedFileObj::ReadOutsideHead(unsigned char *bytes, uint32_t size)
 {
-    unsigned char *bytes = static_cast<unsigned char *>(buffer);
     uint32_t got = 0;
     if (m_pos + size <= FILE_HEAD_LIMIT) {
         unsigned char *head = nullptr;
         got = HeadView(m_pos, size, &head);
         if (got > 0) std::memcpy(bytes, head, got);
+    } else if (size <= FILE_WINDOW_SIZE) {
+        got = ReadThroughWindow(bytes, size);
     } else {
-        got = ReadDirect(bytes, size);
+        got = ReadFile(m_pos, bytes, size);
     }
     m_pos += got;
     if (got < size) m_eof = 1;
@@ -79,11 +97,9 @@ uint32_t CCachedFileObj::Write(const void *, uint32_t)
 int64_t CCachedFileObj::Size()
 {
     if (m_size >= 0) return m_size;
-    m_filePos = -1;
-    if (m_file->Seek(2, 0) != 0) return 0;
-    int32_t end = m_file->Tell();
-    m_filePos = end;
-    m_size = end < 0 ? 0 : end;
+    int64_t size = ReadOnlyFileSize(m_file);
+    if (size < 0) return 0;
+    m_size = size;
     return m_size;
 }
 

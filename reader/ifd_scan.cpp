@@ -19,15 +19,20 @@ struct IfdScan {
     int64_t m_base;  // where value offsets count from
 };
 
+// Bytes of a fetched value held in the scan's own memory: a name or a date
+// from IFD 0 or the Exif IFD fits as a rule.
+constexpr uint32_t VALUE_IN_PLACE = 64;
+
 // An entry's value as far as the scan could have it.
 struct EntryValue {
     int m_present = 0;
     const unsigned char *m_data = nullptr;
     uint32_t m_size = 0;
     unsigned char m_inline[4] = {};
-    unsigned char *m_fetched = nullptr;
+    unsigned char *m_allocated = nullptr;
+    unsigned char m_inPlace[VALUE_IN_PLACE];
 
-    ~EntryValue() { delete[] m_fetched; }
+    ~EntryValue() { delete[] m_allocated; }
 };
 
 // A value that doesn't lie within the stream stays absent.
@@ -36,11 +41,12 @@ void FetchValue(const IfdScan &scan, const IfdEntry &entry, int64_t size, EntryV
     int32_t position;
     if (!LocateValue(scan.m_stream, scan.m_base, entry.value, size, &position)) return;
     uint32_t bytes = static_cast<uint32_t>(size);
-    value->m_fetched = new (std::nothrow) unsigned char[bytes];
-    if (value->m_fetched == nullptr || !ReadValueAt(scan.m_stream, position, value->m_fetched, bytes)) return;
-    DecodeValueBytes(value->m_fetched, bytes, entry.type, scan.m_bigEndian);
+    unsigned char *buffer = value->m_inPlace;
+    if (bytes > VALUE_IN_PLACE) buffer = value->m_allocated = new (std::nothrow) unsigned char[bytes];
+    if (buffer == nullptr || !ReadValueAt(scan.m_stream, position, buffer, bytes)) return;
+    DecodeValueBytes(buffer, bytes, entry.type, scan.m_bigEndian);
     value->m_present = 1;
-    value->m_data = value->m_fetched;
+    value->m_data = buffer;
     value->m_size = bytes;
 }
 
@@ -148,14 +154,9 @@ int32_t ScanIfd(int bigEndian, CStreamIO *stream, CExifReader *reader, uint32_t 
     int64_t base = exifRelative ? int64_t(reader->m_exifSegment.offset) + EXIF_PREFIX_SIZE : 0;
     IfdScan scan = {bigEndian, stream, reader, wantedTag, base};
     uint32_t tableSize = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE;
-    uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 4, &got);
-    if (table == nullptr || got < tableSize) {
-        delete[] table;
-        return 0;
-    }
-    int32_t link = got == tableSize + 4 ? static_cast<int32_t>(ReadU32(table + tableSize, bigEndian)) : 0;
-    int complete = WalkEntries(scan, table, count);
-    delete[] table;
-    return complete ? link : 0;
+    IfdTable table(stream, count, 4);
+    const unsigned char *bytes = table.Bytes();
+    if (bytes == nullptr || table.Got() < tableSize) return 0;
+    int32_t link = table.Got() == tableSize + 4 ? static_cast<int32_t>(ReadU32(bytes + tableSize, bigEndian)) : 0;
+    return WalkEntries(scan, bytes, count) ? link : 0;
 }

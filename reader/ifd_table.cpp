@@ -13,12 +13,20 @@ int32_t ReadEntryCount(CStreamIO *stream, int bigEndian)
     return static_cast<int16_t>(ReadU16(bytes, bigEndian));
 }
 
-unsigned char *ReadIfdTable(CStreamIO *stream, int32_t count, uint32_t extra, uint32_t *got)
+IfdTable::IfdTable(CStreamIO *stream, int32_t count, uint32_t extra)
 {
-    if (count < 1) return nullptr;
-    uint32_t tableSize = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE;
-    unsigned char *table = new (std::nothrow) unsigned char[tableSize + extra];
-    if (table == nullptr) return nullptr;
-    *got = stream->Read(table, tableSize + extra);
-    return table;
+    if (count < 1) return;
+    uint32_t size = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE + extra;
+    if (size <= IFD_TABLE_IN_PLACE) {
+        m_bytes = m_inPlace;
+    } else {
+        m_allocated = new (std::nothrow) unsigned char[size];
+        m_bytes = m_allocated;
+    }
+    if (m_bytes != nullptr) m_got = stream->Read(m_bytes, size);
+}
+
+IfdTable::~IfdTable()
+{
+    delete[] m_allocated;
 }

@@ -3,11 +3,11 @@
 
 #include <cstdint>
 
+#include "reader/cached_file.h"
 #include "zexif.h"
 
-class CStreamIO;
-
 // FPXR segments a reader records; a file with more gets the first ones only.
+// The table grows as segments come, since most files have none.
 constexpr int READER_MAX_FPXR_SEGMENTS = 3000;
 
 // The "Exif" signature and the two bytes behind it, before the TIFF block.
@@ -21,14 +21,20 @@ struct ReaderSegment {
     int32_t offset;
 };
 
-// A cached tag value. data is a new[] copy in the form handed to callers:
-// numbers in host order, 1-byte values in file order.
+// Bytes of a value that a slot holds in itself: names and dates fit as a
+// rule. A longer value gets a new[] copy.
+constexpr uint32_t SLOT_VALUE_IN_PLACE = 32;
+
+// A cached tag value. data points to inPlace or to a new[] copy, in the form
+// handed to callers: numbers in host order, 1-byte values in file order. tag
+// is 0 while the slot is empty.
 struct ReaderTagSlot {
     uint32_t tag = 0;
     uint32_t type = 0;
     uint32_t count = 0;
     unsigned char *data = nullptr;
     ReaderTagSlot *next = nullptr;
+    unsigned char inPlace[SLOT_VALUE_IN_PLACE];
 };
 
 // The read-only handle: the open file, where its segments lie and a small
@@ -36,13 +42,14 @@ struct ReaderTagSlot {
 struct CExifReader {
     int32_t m_bigEndian = 0;
     const void *m_path = nullptr;
-    // The file, through a page cache over the file stream.
-    CStreamIO *m_stream = nullptr;
+    // The file, through a cache of its head that lives in the same allocation.
+    CCachedFileObj m_file;
     int32_t m_format = 0;
     ReaderSegment m_exifSegment = {};
     int32_t m_fpxrCount = 0;
-    // Left uncleared: only entries below m_fpxrCount are ever read.
-    ReaderSegment m_fpxrSegments[READER_MAX_FPXR_SEGMENTS];
+    int32_t m_fpxrCapacity = 0;
+    // new[], left uncleared: only entries below m_fpxrCount are ever read.
+    ReaderSegment *m_fpxrSegments = nullptr;
     int32_t m_tagFound = 0;
     int32_t m_hasDateTime = 0;
     int32_t m_hasMake = 0;
@@ -55,11 +62,11 @@ struct CExifReader {
     int32_t m_thumbLoaded = 0;
     int32_t m_exifIfdOffset = -1;
     int32_t m_gpsIfdOffset = -1;
-    ReaderTagSlot *m_dateTime = nullptr;
-    ReaderTagSlot *m_make = nullptr;
-    ReaderTagSlot *m_model = nullptr;
-    ReaderTagSlot *m_orientation = nullptr;
-    ReaderTagSlot *m_imageDescription = nullptr;
+    ReaderTagSlot m_dateTime;
+    ReaderTagSlot m_make;
+    ReaderTagSlot m_model;
+    ReaderTagSlot m_orientation;
+    ReaderTagSlot m_imageDescription;
     // Every other tag asked for, one slot each: a value handed out must stay
     // valid until the reader ends, so a slot is never refilled once asked for.
     ReaderTagSlot *m_wantedTags = nullptr;

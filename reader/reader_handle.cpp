@@ -1,7 +1,6 @@
 #include <new>
 
 #include "load/tiff_types.h"
-#include "reader/cached_file.h"
 #include "reader/jpeg_scan.h"
 #include "reader/reader.h"
 #include "reader/tag_slots.h"
@@ -24,51 +23,34 @@ int IsTiffStart(const unsigned char *bytes)
 
 void ReleaseReader(CExifReader *reader)
 {
-    DeleteStream(reader->m_stream);
-    ReleaseTagSlot(reader->m_dateTime);
-    ReleaseTagSlot(reader->m_make);
-    ReleaseTagSlot(reader->m_model);
-    ReleaseTagSlot(reader->m_orientation);
-    ReleaseTagSlot(reader->m_imageDescription);
-    ReleaseTagSlot(reader->m_wantedTags);
+    delete[] reader->m_fpxrSegments;
+    ReleaseTagSlots(reader);
     ReleaseThumbnail(reader);
     delete reader;
 }
 
-// The file, read through a cache of its head; null when it can't be opened.
-CStreamIO *OpenReaderFile(const void *path)
-{
-    CStreamIO *file = nullptr;
-    if (!CreateFileStream(&file, path, STREAM_READ)) return nullptr;
-    CStreamIO *cached = new (std::nothrow) CCachedFileObj(file);
-    if (cached == nullptr) DeleteStream(file);
-    return cached;
-}
-
 }  // namespace
 
-// The FPXR table is left uncleared by the allocation: a reader costs no more
-// than the segments its scan records.
+// One allocation holds the reader and the head of its file; the head's buffer
+// is left uncleared, as only bytes read into it are ever looked at. The first
+// read brings in the head: the rest of the scan costs no system call as a rule.
 CExifReader *zRExifBeginRead(const void *path)
 {
     CExifReader *reader = new (std::nothrow) CExifReader;
     if (reader == nullptr) return nullptr;
-    CStreamIO *stream = OpenReaderFile(path);
-    if (stream == nullptr) {
+    if (!reader->m_file.Open(path)) {
         delete reader;
         return nullptr;
     }
     reader->m_path = path;
-    reader->m_stream = stream;
+    CStreamIO *stream = &reader->m_file;
     unsigned char start[4] = {};
     stream->Read(start, 4);
     stream->Seek(0, 0);
     if (IsJpegStart(start)) {
         reader->m_format = FORMAT_JPEG;
-        ScanJpegSegments(stream, reader);
-        return reader;
-    }
-    if (IsTiffStart(start)) {
+        if (ScanJpegSegments(&reader->m_file, reader)) return reader;
+    } else if (IsTiffStart(start)) {
         reader->m_format = FORMAT_TIFF;
         ScanTiffChain(stream, reader);
         return reader;
@@ -79,15 +61,16 @@ CExifReader *zRExifBeginRead(const void *path)
 
 void zRExifEndRead(CExifReader *reader)
 {
+    if (reader == nullptr) return;
     ReleaseReader(reader);
 }
 
 int zRExifGetFileFormat(CExifReader *reader)
 {
-    return reader->m_format;
+    return reader == nullptr ? 0 : reader->m_format;
 }
 
 int zRExifIsExifExist(CExifReader *reader)
 {
-    return reader->m_hasExif;
+    return reader == nullptr ? 0 : reader->m_hasExif;
 }

@@ -37,8 +37,8 @@ int ScanExifIfdFor(CExifReader *reader, uint32_t tag)
         position += int64_t(reader->m_exifSegment.offset) + EXIF_PREFIX_SIZE;
     }
     if (position > INT32_MAX) return 0;
-    reader->m_stream->Seek(0, static_cast<int32_t>(position));
-    ScanIfd(reader->m_bigEndian, reader->m_stream, reader, tag, exifRelative);
+    reader->m_file.Seek(0, static_cast<int32_t>(position));
+    ScanIfd(reader->m_bigEndian, &reader->m_file, reader, tag, exifRelative);
     return 1;
 }
 
@@ -49,6 +49,7 @@ int ScanExifIfdFor(CExifReader *reader, uint32_t tag)
 // every call, since nothing marks it as walked.
 int zRExifGetTag(CExifReader *reader, uint32_t tag, ExifTagValue *out)
 {
+    if (reader == nullptr || out == nullptr) return -1;
     if (reader->m_tagFound == 0 && !WalkExifBlock(reader)) return -1;
     if (IsTagCached(reader, tag)) return Deliver(reader, tag, out);
     if (!IsExifIfdTag(tag) || !ScanExifIfdFor(reader, tag)) return -1;

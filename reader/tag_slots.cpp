@@ -1,6 +1,7 @@
 #include "reader/tag_slots.h"
 
 #include <cstring>
+#include <initializer_list>
 #include <new>
 
 #include "reader/reader.h"
@@ -15,7 +16,8 @@ ReaderTagSlot **WantedSlotOf(CExifReader *reader, uint32_t tag)
     return link;
 }
 
-ReaderTagSlot **SlotOf(CExifReader *reader, uint32_t tag)
+// The reader's own slot of one of the five; null for another tag.
+ReaderTagSlot *OwnSlotOf(CExifReader *reader, uint32_t tag)
 {
     switch (tag) {
     case 306: return &reader->m_dateTime;
@@ -23,7 +25,7 @@ ReaderTagSlot **SlotOf(CExifReader *reader, uint32_t tag)
     case 272: return &reader->m_model;
     case 274: return &reader->m_orientation;
     case 270: return &reader->m_imageDescription;
-    default: return WantedSlotOf(reader, tag);
+    default: return nullptr;
     }
 }
 
@@ -37,6 +39,21 @@ int32_t *FlagOf(CExifReader *reader, uint32_t tag)
     case 270: return &reader->m_hasImageDescription;
     default: return nullptr;
     }
+}
+
+// Another tag's slot is made at the end of the list; null when no memory.
+ReaderTagSlot *SlotFor(CExifReader *reader, uint32_t tag)
+{
+    if (ReaderTagSlot *own = OwnSlotOf(reader, tag)) return own;
+    ReaderTagSlot **link = WantedSlotOf(reader, tag);
+    if (*link == nullptr) *link = new (std::nothrow) ReaderTagSlot();
+    return *link;
+}
+
+void ReleaseSlotData(ReaderTagSlot *slot)
+{
+    if (slot->data != slot->inPlace) delete[] slot->data;
+    slot->data = nullptr;
 }
 
 }  // namespace
@@ -56,31 +73,32 @@ int IsTagCached(CExifReader *reader, uint32_t tag)
 int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *data, uint32_t count, uint32_t size)
 {
     unsigned char *copy = nullptr;
-    if (data != nullptr && size > 0) {
+    if (data != nullptr && size > SLOT_VALUE_IN_PLACE) {
         copy = new (std::nothrow) unsigned char[size];
         if (copy == nullptr) return 0;
+    }
+    ReaderTagSlot *slot = SlotFor(reader, tag);
+    if (slot == nullptr) {
+        delete[] copy;
+        return 0;
+    }
+    ReleaseSlotData(slot);
+    if (data != nullptr && size > 0) {
+        if (copy == nullptr) copy = slot->inPlace;
         std::memcpy(copy, data, size);
     }
-    ReaderTagSlot **slot = SlotOf(reader, tag);
-    if (*slot == nullptr) {
-        *slot = new (std::nothrow) ReaderTagSlot();
-        if (*slot == nullptr) {
-            delete[] copy;
-            return 0;
-        }
-    }
-    delete[] (*slot)->data;
-    (*slot)->tag = tag;
-    (*slot)->type = type;
-    (*slot)->count = count;
-    (*slot)->data = copy;
+    slot->tag = tag;
+    slot->type = type;
+    slot->count = count;
+    slot->data = copy;
     if (int32_t *flag = FlagOf(reader, tag)) *flag = 1;
     return 1;
 }
 
 int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **outData, uint32_t *outCount)
 {
-    const ReaderTagSlot *slot = *SlotOf(reader, tag);
+    const ReaderTagSlot *slot = OwnSlotOf(reader, tag);
+    if (slot == nullptr) slot = *WantedSlotOf(reader, tag);
     if (slot == nullptr || slot->tag != tag) return 0;
     *outType = slot->type;
     *outData = slot->data;
@@ -88,12 +106,18 @@ int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **ou
     return 1;
 }
 
-void ReleaseTagSlot(ReaderTagSlot *slot)
+void ReleaseTagSlots(CExifReader *reader)
 {
+    for (ReaderTagSlot *own : {&reader->m_dateTime, &reader->m_make, &reader->m_model, &reader->m_orientation,
+                               &reader->m_imageDescription}) {
+        ReleaseSlotData(own);
+    }
+    ReaderTagSlot *slot = reader->m_wantedTags;
     while (slot != nullptr) {
         ReaderTagSlot *next = slot->next;
-        delete[] slot->data;
+        ReleaseSlotData(slot);
         delete slot;
         slot = next;
     }
+    reader->m_wantedTags = nullptr;
 }

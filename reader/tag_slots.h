@@ -4,7 +4,6 @@
 #include <cstdint>
 
 struct CExifReader;
-struct ReaderTagSlot;
 
 // 1 for the five tags with a slot of their own: 306, 271, 272, 270, 274.
 int IsCachedTag(uint32_t tag);
@@ -14,8 +13,9 @@ int IsCachedTag(uint32_t tag);
 int IsTagCached(CExifReader *reader, uint32_t tag);
 
 // Copies size bytes of data (null for none) into the slot of tag: one of the
-// five, or a slot of m_wantedTags for any other. The copy is made before
-// anything is released, so a failure (result 0) leaves the slot as it was.
+// reader's five, or a slot of m_wantedTags for any other. A copy that needs
+// memory is made before anything is released, so a failure (result 0) leaves
+// the slot as it was.
 // The flag of one of the five is set on success. A slot is refilled only
 // while the walk that fills it runs, before its value is handed out.
 int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *data, uint32_t count, uint32_t size);
@@ -24,7 +24,7 @@ int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *d
 // slot.
 int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **outData, uint32_t *outCount);
 
-// Releases a slot and the slots linked behind it.
-void ReleaseTagSlot(ReaderTagSlot *slot);
+// Releases the values of all slots and the slots of m_wantedTags.
+void ReleaseTagSlots(CExifReader *reader);
 
 #endif

@@ -46,11 +46,11 @@ void LoadThumbnail(CExifReader *reader, int32_t offset, uint32_t length)
 {
     int32_t position;
     if (reader->m_thumbLoaded) return;
-    if (!LocateValue(reader->m_stream, ThumbnailBase(reader), static_cast<uint32_t>(offset), length, &position)) return;
+    if (!LocateValue(&reader->m_file, ThumbnailBase(reader), static_cast<uint32_t>(offset), length, &position)) return;
     unsigned char *bytes = nullptr;
     if (length > 0) {
         bytes = new (std::nothrow) unsigned char[length];
-        if (bytes == nullptr || !ReadValueAt(reader->m_stream, position, bytes, length)) {
+        if (bytes == nullptr || !ReadValueAt(&reader->m_file, position, bytes, length)) {
             delete[] bytes;
             return;
         }
@@ -102,11 +102,9 @@ void ScanThumbnailIfd(int bigEndian, CStreamIO *stream, CExifReader *reader, int
     if (link < 1 || !OffsetInBounds(reader, link)) return;
     stream->Seek(0, link);
     int32_t count = ReadEntryCount(stream, bigEndian);
-    uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 0, &got);
-    if (table == nullptr) return;
-    SearchIfd1(bigEndian, table, got / IFD_ENTRY_SIZE, reader, loadData);
-    delete[] table;
+    IfdTable table(stream, count, 0);
+    if (table.Bytes() == nullptr) return;
+    SearchIfd1(bigEndian, table.Bytes(), table.Got() / IFD_ENTRY_SIZE, reader, loadData);
 }
 
 int StoreThumbnail(CExifReader *reader, const unsigned char *data, uint32_t size)

@@ -10,8 +10,8 @@ namespace {
 int ScanForThumbnail(CExifReader *reader, int loadData)
 {
     if (reader->m_format != FORMAT_JPEG) {
-        reader->m_stream->Seek(0, 0);
-        return ScanThumbnail(reader->m_stream, reader, loadData);
+        reader->m_file.Seek(0, 0);
+        return ScanThumbnail(&reader->m_file, reader, loadData);
     }
     if (reader->m_exifSegment.size <= EXIF_PREFIX_SIZE) return 0;
     ExifBlock block;
@@ -27,12 +27,14 @@ int ScanForThumbnail(CExifReader *reader, int loadData)
 // answers; before, a JPEG's IFD 1 is searched at each call.
 int zRExifIsThumbnailExist(CExifReader *reader)
 {
+    if (reader == nullptr) return 0;
     if (reader->m_tagFound == 0 && reader->m_format == FORMAT_JPEG) ScanForThumbnail(reader, 0);
     return reader->m_hasThumb;
 }
 
 int zRExifGetThumbnailData(CExifReader *reader, ExifBuffer *out)
 {
+    if (reader == nullptr || out == nullptr) return -1;
     if (reader->m_tagFound == 1 && reader->m_hasThumb == 0) return -1;
     if (reader->m_thumbLoaded == 0) {
         if (!ScanForThumbnail(reader, 1)) return -1;

@@ -101,16 +101,11 @@ TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream)
 {
     int32_t count = ReadEntryCount(stream, bigEndian);
     if (count < 1) return nullptr;
-    uint32_t got = 0;
-    unsigned char *table = ReadIfdTable(stream, count, 0, &got);
-    if (table == nullptr || got < static_cast<uint32_t>(count) * IFD_ENTRY_SIZE) {
-        delete[] table;
-        return nullptr;
-    }
+    IfdTable table(stream, count, 0);
+    if (table.Bytes() == nullptr || table.Got() < static_cast<uint32_t>(count) * IFD_ENTRY_SIZE) return nullptr;
     int32_t linkPosition = stream->Tell();
-    TifTagList *list = BuildList(bigEndian, stream, table, count);
+    TifTagList *list = BuildList(bigEndian, stream, table.Bytes(), count);
     stream->Seek(0, linkPosition);
-    delete[] table;
     return list;
 }
 

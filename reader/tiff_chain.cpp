@@ -74,14 +74,13 @@ int LoadExifBlock(CExifReader *reader, ExifBlock *block)
     int32_t size = reader->m_exifSegment.size - EXIF_PREFIX_SIZE;
     if (size < 1) return 0;
     int32_t start = reader->m_exifSegment.offset + EXIF_PREFIX_SIZE;
-    CCachedFileObj *file = dynamic_cast<CCachedFileObj *>(reader->m_stream);
     unsigned char *head = nullptr;
-    uint32_t inHead = file != nullptr ? file->HeadView(start, static_cast<uint32_t>(size), &head) : 0;
+    uint32_t inHead = reader->m_file.HeadView(start, static_cast<uint32_t>(size), &head);
     if (inHead > 0) return CreateMemoryStream(&block->m_stream, head, static_cast<int32_t>(inHead));
-    reader->m_stream->Seek(0, start);
+    reader->m_file.Seek(0, start);
     unsigned char *data = new (std::nothrow) unsigned char[static_cast<uint32_t>(size)];
     if (data == nullptr) return 0;
-    uint32_t got = reader->m_stream->Read(data, static_cast<uint32_t>(size));
+    uint32_t got = reader->m_file.Read(data, static_cast<uint32_t>(size));
     if (!CreateMemoryStream(&block->m_stream, data, static_cast<int32_t>(got))) {
         delete[] data;
         return 0;

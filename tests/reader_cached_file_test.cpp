@@ -31,7 +31,8 @@ TEST_P(CachedFileSize, AnswersAsTheFileStreamDoes)
     TempDir dir;
     std::string path = dir.Write("data.bin", Pattern(GetParam()));
     CStreamIO *plain = OpenFile(path);
-    CCachedFileObj cached(OpenFile(path));
+    CCachedFileObj cached;
+    ASSERT_EQ(1, cached.Open(path.c_str()));
     std::mt19937 random(7);
     int32_t span = int32_t(GetParam()) + 5000;
     for (int i = 0; i < 3000; i++) {
@@ -57,7 +58,8 @@ TEST(CachedFile, HeadViewsStayWhereTheyAre)
 {
     TempDir dir;
     std::vector<uint8_t> bytes = Pattern(100000);
-    CCachedFileObj cached(OpenFile(dir.Write("data.bin", bytes)));
+    CCachedFileObj cached;
+    ASSERT_EQ(1, cached.Open(dir.Write("data.bin", bytes).c_str()));
     unsigned char *first = nullptr, *later = nullptr;
     ASSERT_EQ(100u, cached.HeadView(10, 100, &first));
     ASSERT_EQ(10u, cached.HeadView(60000, 10, &later));
@@ -70,7 +72,8 @@ TEST(CachedFile, HeadViewsStayWhereTheyAre)
 TEST(CachedFile, AViewOfAShortFileGivesWhatItHolds)
 {
     TempDir dir;
-    CCachedFileObj cached(OpenFile(dir.Write("data.bin", Pattern(50))));
+    CCachedFileObj cached;
+    ASSERT_EQ(1, cached.Open(dir.Write("data.bin", Pattern(50)).c_str()));
     unsigned char *bytes = nullptr;
     EXPECT_EQ(20u, cached.HeadView(30, 100, &bytes));
     EXPECT_EQ(0u, cached.HeadView(50, 10, &bytes));
