@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "load/tiff_types.h"
+#include "reader/tif_tag_list.h"
 #include "support/fault_injection.h"
 #include "support/samples.h"
 #include "support/temp_dir.h"
@@ -31,6 +33,36 @@ void SetArtist(CExifDoc *doc)
 {
     ExifTagValue artist = {2, 5, const_cast<char *>("Jane")};
     zExifSetTag(doc, 315, &artist, 0);
+}
+
+std::string Bytes(const void *data, size_t size)
+{
+    return data == nullptr ? "null" : std::string(static_cast<const char *>(data), size);
+}
+
+// What a reader tells of a file, one answer per question; "" where it gave
+// none.
+std::vector<std::string> ReaderAnswers(const std::string &path)
+{
+    CExifReader *reader = zRExifBeginRead(path.c_str());
+    std::vector<std::string> answers;
+    answers.push_back(std::to_string(zRExifGetFileFormat(reader)));
+    for (uint32_t tag : {271u, 272u, 306u, 274u, 36867u, 33434u, 37500u}) {
+        ExifTagValue value = {};
+        int found = zRExifGetTag(reader, tag, &value);
+        answers.push_back(found != 0 ? "" : Bytes(value.data, size_t(value.count) * TiffTypeSize(value.type)));
+    }
+    ExifBuffer thumbnail = {};
+    answers.push_back(zRExifGetThumbnailData(reader, &thumbnail) != 0 ? "" : Bytes(thumbnail.data, thumbnail.size));
+    ExifBuffer marker = {};
+    answers.push_back(zRExifGetExifMarker(reader, &marker) != 0 ? "" : Bytes(marker.data, marker.size));
+    delete[] marker.data;
+    TifTagList *list = nullptr;
+    answers.push_back(zRExifGetTIFExifData(reader, &list) != 0 ? "" : std::to_string(list ? list->count : 0));
+    FreeTifTagList(list);
+    answers.push_back(zRExifIsAudioExist(reader) ? "audio" : "");
+    zRExifEndRead(reader);
+    return answers;
 }
 
 class FaultOnSample : public ::testing::TestWithParam<std::string> {
@@ -76,6 +108,24 @@ TEST_P(FaultOnSample, LoadFailsWithNull)
         EXPECT_TRUE(struck ? doc == nullptr || window.Site() == std::string("allocation") : doc != nullptr)
             << Describe(window, failAt);
         zExifDestroy(doc);
+        return struck && !HasFailure();
+    });
+    EXPECT_GT(failed, 0u);
+}
+
+// A reader whose open, reads or allocations fail answers fewer questions,
+// never wrongly: what it still answers is what it answers without failures.
+TEST_P(FaultOnSample, ReaderAnswersFewerButNeverWrong)
+{
+    const std::vector<std::string> clean = ReaderAnswers(m_path);
+    uint64_t failed = ForEachFailingCall([&](uint64_t failAt) {
+        FaultWindow window(FAULT_ANY, failAt);
+        std::vector<std::string> answers = ReaderAnswers(m_path);
+        bool struck = window.Close();
+        for (size_t i = 0; i < answers.size(); i++) {
+            if (answers[i] == "" || answers[i] == "0") continue;
+            EXPECT_EQ(clean[i], answers[i]) << "question " << i << " after " << Describe(window, failAt);
+        }
         return struck && !HasFailure();
     });
     EXPECT_GT(failed, 0u);

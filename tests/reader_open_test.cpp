@@ -52,6 +52,35 @@ TEST(ReaderOpen, AMissingFileOpensNothing)
     EXPECT_EQ(nullptr, zRExifBeginRead("/nonexistent/zexif/reader.jpg"));
 }
 
+// An application that didn't check zRExifBeginRead's result gets failures.
+TEST(ReaderOpen, ANullReaderAnswersEveryQuestionWithAFailure)
+{
+    ExifTagValue value = {};
+    ExifBuffer buffer = {};
+    TifTagList *list = nullptr;
+    zRExifEndRead(nullptr);
+    EXPECT_EQ(0, zRExifGetFileFormat(nullptr));
+    EXPECT_EQ(0, zRExifIsExifExist(nullptr));
+    EXPECT_EQ(-1, zRExifGetTag(nullptr, 271, &value));
+    EXPECT_EQ(0, zRExifIsThumbnailExist(nullptr));
+    EXPECT_EQ(-1, zRExifGetThumbnailData(nullptr, &buffer));
+    EXPECT_EQ(-1, zRExifGetExifMarker(nullptr, &buffer));
+    EXPECT_EQ(-1, zRExifGetTIFExifData(nullptr, &list));
+    EXPECT_EQ(0, zRExifIsAudioExist(nullptr));
+    EXPECT_EQ(-1, zRExifGetAudioFile(nullptr, "out.wav"));
+}
+
+TEST(ReaderOpen, NullOutputsAreRefused)
+{
+    ReaderFile file(JpegFile({SmallExif()}));
+    ASSERT_NE(nullptr, file.get());
+    EXPECT_EQ(-1, zRExifGetTag(file.get(), 271, nullptr));
+    EXPECT_EQ(-1, zRExifGetThumbnailData(file.get(), nullptr));
+    EXPECT_EQ(-1, zRExifGetExifMarker(file.get(), nullptr));
+    EXPECT_EQ(-1, zRExifGetTIFExifData(file.get(), nullptr));
+    EXPECT_EQ(-1, zRExifGetAudioFile(file.get(), nullptr));
+}
+
 TEST(ReaderOpen, ABareSoiIsAJpegWithoutExif)
 {
     ReaderFile file({0xFF, 0xD8});
