@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "streams/stream.h"
@@ -55,6 +56,23 @@ TEST(MarkerData, LoadsOnceWithinTheFile)
     CMarker sourceGone(254, 4, 2);
     EXPECT_EQ(0, sourceGone.Load(nullptr, &data, &size));
     DeleteStream(stream);
+}
+
+// A replacement may come from the block's own bytes; an empty block has
+// nothing to replace.
+TEST(BlockData, ReplacingCopiesBeforeItReleases)
+{
+    CMarker block(254, 0, 0);
+    unsigned char *data = nullptr;
+    int32_t size = 0;
+    EXPECT_EQ(0, block.ReplaceData("ab", 2));
+    ASSERT_EQ(1, block.SetData("abcdef", 6));
+    block.GetData(&data, &size);
+    ASSERT_EQ(1, block.ReplaceData(data + 2, 3));
+    block.GetData(&data, &size);
+    EXPECT_EQ("cde", std::string(reinterpret_cast<char *>(data), size));
+    EXPECT_EQ(0, block.SetData("x", 0));
+    EXPECT_EQ(3, size);
 }
 
 }  // namespace

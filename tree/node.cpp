@@ -104,11 +104,11 @@ int CBlock::SetData(const void *data, int32_t size)
     return 1;
 }
 
+// SetData releases the old buffer only once the copy is made, so data may
+// lie inside it and a failed copy leaves the block as it was.
 int CBlock::ReplaceData(const void *data, int32_t size)
 {
     if (m_data == nullptr) return 0;
-    delete[] m_data;
-    m_data = nullptr;
     return SetData(data, size);
 }
 
