@@ -79,8 +79,10 @@ void InsertExifMarker(CExifDoc *doc, const char *source)
     zRExifEndRead(reader);
 }
 
+// An Exif IFD without entries comes as a null list, which the import refuses.
 void ReleaseTagList(TifTagList *list)
 {
+    if (list == nullptr) return;
     for (int32_t i = 0; i < list->count; i++) {
         std::free(list->items[i]->data);
         std::free(list->items[i]);
