@@ -74,6 +74,7 @@ uint32_t CCachedFileObj::ReadThroughWindow(unsigned char *buffer, uint32_t size)
 
 uint32_t CCachedFileObj::ReadOutsideHead(unsigned char *bytes, uint32_t size)
 {
+    if (size == 0) return 0;
     uint32_t got = 0;
     if (m_pos + size <= FILE_HEAD_LIMIT) {
         unsigned char *head = nullptr;

@@ -39,7 +39,7 @@ public:
     uint32_t Read(void *buffer, uint32_t size) override
     {
         if (m_pos + size > m_headSize) return ReadOutsideHead(static_cast<unsigned char *>(buffer), size);
-        std::memcpy(buffer, m_head + m_pos, size);
+        if (size > 0) std::memcpy(buffer, m_head + m_pos, size);
         m_pos += size;
         return size;
     }
