@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -209,6 +210,33 @@ TEST(ZexifTool, EverySampleDumpsOrFailsCleanly)
     ToolRun json = RunToolThroughJq(arguments, "[length, ([.[] | select(.error)] | length)] | @tsv");
     ASSERT_EQ(0, json.status) << json.err;
     EXPECT_EQ(std::to_string(copies.size()) + "\t" + std::to_string(failures) + "\n", json.out);
+}
+
+// info reads most files through the read-only family and dump through the
+// tree: every tag info shows must be the one dump shows in the same IFD.
+TEST(ZexifTool, InfoShowsWhatDumpShowsOnEverySample)
+{
+    if (!Has("jq")) GTEST_SKIP() << "jq is not installed";
+    TempDir dir;
+    std::vector<std::string> copies;
+    for (const std::string &sample : AllSamples()) {
+        copies.push_back(dir.Copy(sample, std::to_string(copies.size()) + sample.substr(sample.rfind('.'))));
+    }
+    auto tagLines = [&](const char *command, const std::string &tags) {
+        std::vector<std::string> arguments = {command, "--json"};
+        arguments.insert(arguments.end(), copies.begin(), copies.end());
+        ToolRun run = RunToolThroughJq(arguments, "to_entries[] | .key as $i | .value | " + tags +
+                                                      " | [$i, .ifd, .tag, .text] | @tsv");
+        EXPECT_EQ(0, run.status) << run.err;
+        std::set<std::string> lines;
+        std::istringstream stream(run.out);
+        for (std::string line; std::getline(stream, line);) lines.insert(line);
+        return lines;
+    };
+    const std::set<std::string> shown = tagLines("info", "(.tags // [])[]");
+    const std::set<std::string> dumped = tagLines("dump", ".. | objects | select(has(\"tag\") and has(\"text\"))");
+    EXPECT_GT(shown.size(), copies.size());
+    for (const std::string &line : shown) EXPECT_EQ(1u, dumped.count(line)) << line;
 }
 
 struct FailingFile {
@@ -475,7 +503,7 @@ TEST_F(ToolCommands, InfoGoesOnPastAMissingFile)
     if (!Has("jq")) GTEST_SKIP() << "jq is not installed";
     ToolRun json = RunToolThroughJq({"info", m_photo, m_dir.Path("missing.jpg"), "--json"},
                                     ".[] | [.file, .error // .format, (.tags // [] | length)] | @tsv");
-    EXPECT_EQ(m_photo + "\tJPEG\t9\n" + m_dir.Path("missing.jpg") + "\tcannot load " + m_dir.Path("missing.jpg") +
+    EXPECT_EQ(m_photo + "\tJPEG\t9\n" + m_dir.Path("missing.jpg") + "\tcannot read " + m_dir.Path("missing.jpg") +
                   ": No such file or directory\t0\n",
               json.out);
 }

@@ -5,25 +5,52 @@
 #include "tools/zexif/document_tags.h"
 #include "tools/zexif/file_report.h"
 #include "tools/zexif/load_document.h"
+#include "tools/zexif/open_reader.h"
+#include "tools/zexif/reader_tags.h"
 #include "tools/zexif/tag_argument.h"
 #include "tools/zexif/tag_json.h"
 #include "zexif.h"
 
 namespace {
 
-// The tag of one file into the report: false when the file has none.
-bool ReportTag(CExifDoc *doc, const std::string &path, const TagAddress &address, bool withName, FileReport &report)
+void ReportView(const std::string &path, const TagAddress &address, const TagView &view, bool withName,
+                FileReport &report)
 {
-    const CTag *tag = FindAddressedTag(doc, address);
-    TagView view;
-    if (tag == nullptr || !ViewOfTag(*tag, address.group, &view)) return false;
     if (report.IsJson()) {
         WriteTagMembers(report.BeginObject(path), view, IfdLabel(address.group, address.ifd), true);
         report.EndObject();
     } else {
         std::printf("%s%s\n", withName ? (path + ": ").c_str() : "", ReadableValue(view, true).c_str());
     }
-    return true;
+}
+
+// The read-only family answers where it gives what the tree would; the
+// others load the file's tree. The view is reported before either ends.
+void GetFromFile(const std::string &path, const TagAddress &address, bool withName, FileReport &report)
+{
+    std::string message;
+    CExifReader *reader = TryBeginRead(path, &message);
+    if (reader == nullptr) {
+        report.Fail(path, message);
+        return;
+    }
+    TagView view;
+    bool found;
+    CExifDoc *doc = nullptr;
+    if (ReaderAnswersFor(reader, address)) {
+        found = ReaderViewOfTag(reader, address, &view);
+    } else {
+        doc = TryLoadDocument(path, &message);
+        const CTag *tag = doc != nullptr ? FindAddressedTag(doc, address) : nullptr;
+        found = tag != nullptr && ViewOfTag(*tag, address.group, &view);
+    }
+    if (found) {
+        ReportView(path, address, view, withName, report);
+    } else {
+        report.Fail(path, message.empty() ? path + " has no " + DescribeAddress(address) : message);
+    }
+    zExifDestroy(doc);
+    zRExifEndRead(reader);
 }
 
 }  // namespace
@@ -38,14 +65,6 @@ int RunGet(const std::vector<std::string> &arguments)
     }
     const std::vector<std::string> files(parsed.positional.begin(), parsed.positional.end() - 1);
     FileReport report(parsed.Has("--json"));
-    for (const std::string &path : files) {
-        std::string message;
-        CExifDoc *doc = TryLoadDocument(path, &message);
-        if (doc != nullptr && !ReportTag(doc, path, address, files.size() > 1, report)) {
-            message = path + " has no " + DescribeAddress(address);
-        }
-        if (!message.empty()) report.Fail(path, message);
-        zExifDestroy(doc);
-    }
+    for (const std::string &path : files) GetFromFile(path, address, files.size() > 1, report);
     return report.Finish();
 }

@@ -7,6 +7,8 @@
 #include "tools/zexif/document_walk.h"
 #include "tools/zexif/file_report.h"
 #include "tools/zexif/load_document.h"
+#include "tools/zexif/open_reader.h"
+#include "tools/zexif/reader_tags.h"
 #include "tools/zexif/tag_argument.h"
 #include "tools/zexif/tag_json.h"
 #include "zexif.h"
@@ -23,24 +25,44 @@ struct Summary {
     std::vector<TagView> tags;
 };
 
-// The views point into the document. The read-only family would be
-// cheaper, but it answers with IFD 1's tag where IFD 1 has one too, and
-// cameras give the thumbnail an orientation of its own.
-Summary Summarize(CExifDoc *doc)
-{
-    Summary summary{FormatName(zExifGetFileFormat(doc)), zExifIsExifExist(doc) == 1, zExifIsThumbnailExist(doc) == 1,
-                    zExifIsAudioExist(doc) == 1, {}};
-    for (const char *name : SUMMARY_TAGS) {
-        const TagName *known = FindTagByName(name);
-        TagAddress address;
-        address.group = known->group;
-        address.number = known->number;
-        const CTag *tag = FindAddressedTag(doc, address);
-        TagView view;
-        if (tag != nullptr && ViewOfTag(*tag, address.group, &view)) summary.tags.push_back(view);
+// What a file tells, read through the read-only family where it answers as
+// the tree would: the flags and the Exif IFD's tags always, IFD 0's tags in
+// most files without a thumbnail. The tree is loaded only for the rest. The
+// views point into the reader or the document, which outlive the summary.
+class Summarizer {
+public:
+    explicit Summarizer(CExifReader *reader) : m_reader(reader) {}
+    ~Summarizer() { zExifDestroy(m_doc); }
+    Summarizer(const Summarizer &) = delete;
+    Summarizer &operator=(const Summarizer &) = delete;
+
+    // false, with the reason in message, when the tree was needed and the
+    // file doesn't load.
+    bool Summarize(const std::string &path, Summary *summary, std::string *message)
+    {
+        *summary = {FormatName(zRExifGetFileFormat(m_reader)), zRExifIsExifExist(m_reader) == 1,
+                    zRExifIsThumbnailExist(m_reader) == 1, zRExifIsAudioExist(m_reader) == 1, {}};
+        for (const char *name : SUMMARY_TAGS) {
+            const TagName *known = FindTagByName(name);
+            TagAddress address;
+            address.group = known->group;
+            address.number = known->number;
+            TagView view;
+            if (ReaderAnswersFor(m_reader, address)) {
+                if (ReaderViewOfTag(m_reader, address, &view)) summary->tags.push_back(view);
+                continue;
+            }
+            if (m_doc == nullptr && (m_doc = TryLoadDocument(path, message)) == nullptr) return false;
+            const CTag *tag = FindAddressedTag(m_doc, address);
+            if (tag != nullptr && ViewOfTag(*tag, address.group, &view)) summary->tags.push_back(view);
+        }
+        return true;
     }
-    return summary;
-}
+
+private:
+    CExifReader *m_reader;
+    CExifDoc *m_doc = nullptr;
+};
 
 const char *YesNo(bool answer)
 {
@@ -68,6 +90,17 @@ void WriteSummary(JsonWriter &json, const Summary &summary)
     json.EndArray();
 }
 
+void ReportSummary(const std::string &path, const Summary &summary, FileReport &report)
+{
+    if (report.IsJson()) {
+        WriteSummary(report.BeginObject(path), summary);
+        report.EndObject();
+    } else {
+        report.BeginText();
+        PrintSummary(path, summary);
+    }
+}
+
 }  // namespace
 
 int RunInfo(const std::vector<std::string> &arguments)
@@ -77,20 +110,17 @@ int RunInfo(const std::vector<std::string> &arguments)
     FileReport report(parsed.Has("--json"));
     for (const std::string &path : parsed.positional) {
         std::string message;
-        CExifDoc *doc = TryLoadDocument(path, &message);
-        if (doc == nullptr) {
-            report.Fail(path, message);
-            continue;
+        CExifReader *reader = TryBeginRead(path, &message);
+        Summary summary;
+        if (reader != nullptr) {
+            Summarizer summarizer(reader);
+            if (summarizer.Summarize(path, &summary, &message)) {
+                ReportSummary(path, summary, report);
+                message.clear();
+            }
         }
-        const Summary summary = Summarize(doc);
-        if (report.IsJson()) {
-            WriteSummary(report.BeginObject(path), summary);
-            report.EndObject();
-        } else {
-            report.BeginText();
-            PrintSummary(path, summary);
-        }
-        zExifDestroy(doc);
+        if (!message.empty()) report.Fail(path, message);
+        zRExifEndRead(reader);
     }
     return report.Finish();
 }

@@ -5,10 +5,17 @@
 #include "tools/zexif/load_document.h"
 #include "zexif.h"
 
-CExifReader *OpenReader(const std::string &path)
+CExifReader *TryBeginRead(const std::string &path, std::string *message)
 {
     CExifReader *reader = zRExifBeginRead(path.c_str());
-    if (reader != nullptr) return reader;
-    std::fprintf(stderr, "zexif: cannot read %s: %s\n", path.c_str(), LoadFailureReason(path).c_str());
-    return nullptr;
+    if (reader == nullptr) *message = "cannot read " + path + ": " + LoadFailureReason(path);
+    return reader;
+}
+
+CExifReader *OpenReader(const std::string &path)
+{
+    std::string message;
+    CExifReader *reader = TryBeginRead(path, &message);
+    if (reader == nullptr) std::fprintf(stderr, "zexif: %s\n", message.c_str());
+    return reader;
 }
