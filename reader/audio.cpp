@@ -49,9 +49,11 @@ int ContinuesStream(const AudioSegment &segment, uint16_t index)
     return segment.m_size >= FPXR_HEADER_SIZE && SegmentIndex(segment) == index;
 }
 
-void WriteFrom(FILE *out, const AudioSegment &segment, int32_t from)
+// 0 when the bytes didn't all go out: a full disk, say.
+int WriteFrom(FILE *out, const AudioSegment &segment, int32_t from)
 {
-    std::fwrite(segment.m_data + from, 1, static_cast<size_t>(segment.m_size - from), out);
+    const size_t count = static_cast<size_t>(segment.m_size - from);
+    return std::fwrite(segment.m_data + from, 1, count, out) == count;
 }
 
 // The RIFF file's length, read as a signed size: a size with its top bit set
@@ -66,6 +68,7 @@ struct AudioOutput {
     FILE *m_file = nullptr;
     uint16_t m_index = FPXR_NO_INDEX;
     int64_t m_remaining = 0;
+    int m_writeFailed = 0;
 };
 
 enum SegmentStep { STEP_PASSED, STEP_WRITTEN, STEP_STOP, STEP_FAILED };
@@ -79,7 +82,7 @@ SegmentStep WriteSegment(CExifReader *reader, const AudioSegment &segment, const
         if (output->m_file != nullptr) return STEP_STOP;
         output->m_file = OpenPath(path, "wb");
         if (output->m_file == nullptr) return STEP_FAILED;
-        WriteFrom(output->m_file, segment, FPXR_HEAD_PAYLOAD);
+        if (!WriteFrom(output->m_file, segment, FPXR_HEAD_PAYLOAD)) output->m_writeFailed = 1;
         output->m_index = SegmentIndex(segment);
         output->m_remaining = RiffLength(segment) - (segment.m_size - FPXR_HEAD_PAYLOAD);
         reader->m_hasAudio = 1;
@@ -88,7 +91,7 @@ SegmentStep WriteSegment(CExifReader *reader, const AudioSegment &segment, const
     if (output->m_file == nullptr || output->m_remaining <= 0 || !ContinuesStream(segment, output->m_index)) {
         return STEP_PASSED;
     }
-    WriteFrom(output->m_file, segment, FPXR_HEADER_SIZE);
+    if (!WriteFrom(output->m_file, segment, FPXR_HEADER_SIZE)) output->m_writeFailed = 1;
     output->m_remaining -= segment.m_size - FPXR_HEADER_SIZE;
     return STEP_WRITTEN;
 }
@@ -111,7 +114,7 @@ int zRExifIsAudioExist(CExifReader *reader)
 
 // The file is made only when a head is met. A table that runs out before the
 // RIFF length is reached leaves a short file, which still counts as written;
-// one cut short by a failed read doesn't.
+// one cut short by a failed read or write doesn't.
 int zRExifGetAudioFile(CExifReader *reader, const void *path)
 {
     if (reader == nullptr || path == nullptr || reader->m_fpxrCount < 1) return -1;
@@ -124,6 +127,6 @@ int zRExifGetAudioFile(CExifReader *reader, const void *path)
         if (step == STEP_STOP || (step == STEP_WRITTEN && output.m_remaining <= 0)) break;
     }
     if (output.m_file == nullptr) return -1;
-    std::fclose(output.m_file);
-    return reader->m_file.HasFailed() ? -1 : 0;
+    const int closed = std::fclose(output.m_file) == 0;
+    return closed && !output.m_writeFailed && !reader->m_file.HasFailed() ? 0 : -1;
 }

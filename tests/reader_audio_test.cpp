@@ -111,10 +111,12 @@ TEST_F(Audio, ATiffHasNone)
     EXPECT_EQ(-1, zRExifGetAudioFile(file->get(), file->m_dir.Path("voice.wav").c_str()));
 }
 
-TEST_F(Audio, AnOutputThatCannotBeOpenedFails)
+TEST_F(Audio, AnOutputThatCannotBeOpenedOrWrittenFails)
 {
     file = std::make_unique<ReaderFile>(JpegWith(FpxrPayloads(RiffWave(300), 4, {})));
     EXPECT_EQ(-1, zRExifGetAudioFile(file->get(), file->m_dir.Path("missing/voice.wav").c_str()));
+    // A device that takes nothing stands for a full disk.
+    EXPECT_EQ(-1, zRExifGetAudioFile(file->get(), "/dev/full"));
 }
 
 // A second head while the first stream is open is not mixed in: the first
