@@ -25,19 +25,25 @@ bool ReadWholeFile(const std::string &path, std::vector<uint8_t> &bytes)
     return true;
 }
 
+// Every file at or below path, in name order; the samples lie in folders.
 std::vector<std::string> InputsUnder(const std::string &path)
 {
     struct stat info;
     if (stat(path.c_str(), &info) != 0) return {};
     if (!S_ISDIR(info.st_mode)) return {path};
-    std::vector<std::string> inputs;
+    std::vector<std::string> names;
     if (DIR *dir = opendir(path.c_str())) {
         while (dirent *entry = readdir(dir)) {
-            if (entry->d_name[0] != '.') inputs.push_back(path + "/" + entry->d_name);
+            if (entry->d_name[0] != '.') names.push_back(path + "/" + entry->d_name);
         }
         closedir(dir);
     }
-    std::sort(inputs.begin(), inputs.end());
+    std::sort(names.begin(), names.end());
+    std::vector<std::string> inputs;
+    for (const std::string &name : names) {
+        std::vector<std::string> below = InputsUnder(name);
+        inputs.insert(inputs.end(), below.begin(), below.end());
+    }
     return inputs;
 }
 
