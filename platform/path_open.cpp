@@ -1,9 +1,11 @@
 #include "platform/path_open.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
-
+#include <cstring>
 #include <string>
 
 #include "platform/fault_point.h"
@@ -15,37 +17,49 @@ namespace {
 // makes to choose one.
 constexpr size_t FILE_BUFFER_SIZE = 16384;
 
-FILE *OpenFile(const char *path, const char *mode)
+int OpenDescriptor(const char *path, int flags)
 {
     if (FaultStrikes(FAULT_OPEN)) {
         errno = EIO;
-        return nullptr;
+        return -1;
     }
-    FILE *file = std::fopen(path, mode);
-    if (file != nullptr) std::setvbuf(file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
-    return file;
+    return open(path, flags | O_CLOEXEC, 0666);
 }
 
-int IsDirectory(FILE *file)
+int IsDirectory(int file)
 {
     struct stat info;
-    return fstat(fileno(file), &info) != 0 || S_ISDIR(info.st_mode);
+    return fstat(file, &info) != 0 || S_ISDIR(info.st_mode);
 }
 
 }  // namespace
 
-// A 16-bit path read as a narrow string is often just "/", which fopen opens
-// as a directory; where the 16-bit reading is possible, a directory doesn't
-// count as the narrow reading's file.
+// A 16-bit path read as a narrow string is often just "/", which opens as a
+// directory; where the 16-bit reading is possible, a directory doesn't count
+// as the narrow reading's file.
+int OpenPathDescriptor(const void *path, int flags)
+{
+    if (path == nullptr) return -1;
+    const char *narrow = static_cast<const char *>(path);
+    int file = OpenDescriptor(narrow, flags);
+    if (!LooksLikeWidePath(narrow)) return file;
+    if (file >= 0 && !IsDirectory(file)) return file;
+    if (file >= 0) close(file);
+    std::string converted;
+    if (!Utf16ToUtf8(path, converted)) return -1;
+    return OpenDescriptor(converted.c_str(), flags);
+}
+
 FILE *OpenPath(const void *path, const char *mode)
 {
-    if (path == nullptr) return nullptr;
-    const char *narrow = static_cast<const char *>(path);
-    FILE *file = OpenFile(narrow, mode);
-    if (!LooksLikeWidePath(narrow)) return file;
-    if (file != nullptr && !IsDirectory(file)) return file;
-    if (file != nullptr) std::fclose(file);
-    std::string converted;
-    if (!Utf16ToUtf8(path, converted)) return nullptr;
-    return OpenFile(converted.c_str(), mode);
+    const int flags = std::strcmp(mode, "wb") == 0 ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
+    const int descriptor = OpenPathDescriptor(path, flags);
+    if (descriptor < 0) return nullptr;
+    FILE *file = fdopen(descriptor, mode);
+    if (file == nullptr) {
+        close(descriptor);
+        return nullptr;
+    }
+    std::setvbuf(file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
+    return file;
 }

@@ -8,4 +8,8 @@
 // mode is "rb" or "wb". Returns null when neither reading opens a file.
 FILE *OpenPath(const void *path, const char *mode);
 
+// The same for a descriptor opened with open(2)'s flags: -1 when neither
+// reading opens a file.
+int OpenPathDescriptor(const void *path, int flags);
+
 #endif

@@ -5,40 +5,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <string>
 
 #include "platform/fault_point.h"
-#include "platform/utf16.h"
+#include "platform/path_open.h"
 
-namespace {
-
-int OpenForReading(const char *path)
-{
-    return open(path, O_RDONLY | O_CLOEXEC);
-}
-
-int IsDirectory(int file)
-{
-    struct stat info;
-    return fstat(file, &info) != 0 || S_ISDIR(info.st_mode);
-}
-
-}  // namespace
-
-// A 16-bit path read as a narrow string is often just "/", which opens as a
-// directory; where the 16-bit reading is possible, a directory doesn't count
-// as the narrow reading's file.
 int OpenReadOnlyFile(const void *path)
 {
-    if (path == nullptr || FaultStrikes(FAULT_OPEN)) return -1;
-    const char *narrow = static_cast<const char *>(path);
-    int file = OpenForReading(narrow);
-    if (!LooksLikeWidePath(narrow)) return file;
-    if (file >= 0 && !IsDirectory(file)) return file;
-    if (file >= 0) close(file);
-    std::string converted;
-    if (!Utf16ToUtf8(path, converted)) return -1;
-    return OpenForReading(converted.c_str());
+    return OpenPathDescriptor(path, O_RDONLY);
 }
 
 // A regular file gives a short count only at its end, so one call suffices:

@@ -7,9 +7,8 @@
 // that is filled and copied again, no fstat to size one, no seeks. A reader
 // that only asks questions needs an open, a read of the head and a close.
 
-// Opens a caller's path for reading as OpenPath does: first as a narrow
-// string, then, where that fails and the bytes can't be a narrow path, as
-// 16-bit characters. The descriptor, or -1 when no file opens.
+// Opens a caller's path for reading as OpenPath does. The descriptor, or -1
+// when no file opens.
 int OpenReadOnlyFile(const void *path);
 
 // Reads up to size bytes at position. Fewer come only where the file ends;
