@@ -1,9 +1,8 @@
 #include "reader/ifd_scan.h"
 
-#include <new>
-
 #include "reader/ifd_table.h"
 #include "reader/reader.h"
+#include "reader/small_buffer.h"
 #include "reader/tag_slots.h"
 #include "reader/tag_value.h"
 #include "streams/byte_order.h"
@@ -19,20 +18,14 @@ struct IfdScan {
     int64_t m_base;  // where value offsets count from
 };
 
-// Bytes of a fetched value held in the scan's own memory: a name or a date
-// from IFD 0 or the Exif IFD fits as a rule.
-constexpr uint32_t VALUE_IN_PLACE = 64;
-
-// An entry's value as far as the scan could have it.
+// An entry's value as far as the scan could have it. A name or a date from
+// IFD 0 or the Exif IFD is fetched without an allocation as a rule.
 struct EntryValue {
     int m_present = 0;
     const unsigned char *m_data = nullptr;
     uint32_t m_size = 0;
     unsigned char m_inline[4] = {};
-    unsigned char *m_allocated = nullptr;
-    unsigned char m_inPlace[VALUE_IN_PLACE];
-
-    ~EntryValue() { delete[] m_allocated; }
+    SmallBuffer<64> m_fetched;
 };
 
 // A value that doesn't lie within the stream stays absent.
@@ -41,8 +34,7 @@ void FetchValue(const IfdScan &scan, const IfdEntry &entry, int64_t size, EntryV
     int32_t position;
     if (!LocateValue(scan.m_stream, scan.m_base, entry.value, size, &position)) return;
     uint32_t bytes = static_cast<uint32_t>(size);
-    unsigned char *buffer = value->m_inPlace;
-    if (bytes > VALUE_IN_PLACE) buffer = value->m_allocated = new (std::nothrow) unsigned char[bytes];
+    unsigned char *buffer = value->m_fetched.Reserve(bytes);
     if (buffer == nullptr || !ReadValueAt(scan.m_stream, position, buffer, bytes)) return;
     DecodeValueBytes(buffer, bytes, entry.type, scan.m_bigEndian);
     value->m_present = 1;

@@ -1,7 +1,5 @@
 #include "reader/ifd_table.h"
 
-#include <new>
-
 #include "reader/tag_value.h"
 #include "streams/byte_order.h"
 #include "streams/stream.h"
@@ -17,16 +15,6 @@ IfdTable::IfdTable(CStreamIO *stream, int32_t count, uint32_t extra)
 {
     if (count < 1) return;
     uint32_t size = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE + extra;
-    if (size <= IFD_TABLE_IN_PLACE) {
-        m_bytes = m_inPlace;
-    } else {
-        m_allocated = new (std::nothrow) unsigned char[size];
-        m_bytes = m_allocated;
-    }
+    m_bytes = m_buffer.Reserve(size);
     if (m_bytes != nullptr) m_got = stream->Read(m_bytes, size);
-}
-
-IfdTable::~IfdTable()
-{
-    delete[] m_allocated;
 }
