@@ -43,16 +43,16 @@ CExifReader *zRExifBeginRead(const void *path)
         return nullptr;
     }
     reader->m_path = path;
-    CStreamIO *stream = &reader->m_file;
+    CCachedFileObj &file = reader->m_file;
     unsigned char start[4] = {};
-    stream->Read(start, 4);
-    stream->Seek(0, 0);
+    file.Read(start, 4);
+    file.Seek(0, 0);
     if (IsJpegStart(start)) {
         reader->m_format = FORMAT_JPEG;
-        if (ScanJpegSegments(&reader->m_file, reader)) return reader;
+        if (ScanJpegSegments(&file, reader)) return reader;
     } else if (IsTiffStart(start)) {
         reader->m_format = FORMAT_TIFF;
-        ScanTiffChain(stream, reader);
+        ScanTiffChain(&file, reader);
         return reader;
     }
     ReleaseReader(reader);
