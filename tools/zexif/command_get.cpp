@@ -4,11 +4,9 @@
 #include "tools/zexif/command.h"
 #include "tools/zexif/document_tags.h"
 #include "tools/zexif/file_report.h"
-#include "tools/zexif/load_document.h"
-#include "tools/zexif/open_reader.h"
-#include "tools/zexif/reader_tags.h"
 #include "tools/zexif/tag_argument.h"
 #include "tools/zexif/tag_json.h"
+#include "tools/zexif/tag_source.h"
 #include "zexif.h"
 
 namespace {
@@ -24,33 +22,16 @@ void ReportView(const std::string &path, const TagAddress &address, const TagVie
     }
 }
 
-// The read-only family answers where it gives what the tree would; the
-// others load the file's tree. The view is reported before either ends.
 void GetFromFile(const std::string &path, const TagAddress &address, bool withName, FileReport &report)
 {
     std::string message;
-    CExifReader *reader = TryBeginRead(path, &message);
-    if (reader == nullptr) {
-        report.Fail(path, message);
+    TagSource source(path, &message);
+    TagView view;
+    if (source.Reader() != nullptr && source.Find(address, &view, &message)) {
+        ReportView(path, address, view, withName, report);
         return;
     }
-    TagView view;
-    bool found;
-    CExifDoc *doc = nullptr;
-    if (ReaderAnswersFor(reader, address)) {
-        found = ReaderViewOfTag(reader, address, &view);
-    } else {
-        doc = TryLoadDocument(path, &message);
-        const CTag *tag = doc != nullptr ? FindAddressedTag(doc, address) : nullptr;
-        found = tag != nullptr && ViewOfTag(*tag, address.group, &view);
-    }
-    if (found) {
-        ReportView(path, address, view, withName, report);
-    } else {
-        report.Fail(path, message.empty() ? path + " has no " + DescribeAddress(address) : message);
-    }
-    zExifDestroy(doc);
-    zRExifEndRead(reader);
+    report.Fail(path, message.empty() ? path + " has no " + DescribeAddress(address) : message);
 }
 
 }  // namespace

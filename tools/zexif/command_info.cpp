@@ -6,11 +6,9 @@
 #include "tools/zexif/document_tags.h"
 #include "tools/zexif/document_walk.h"
 #include "tools/zexif/file_report.h"
-#include "tools/zexif/load_document.h"
-#include "tools/zexif/open_reader.h"
-#include "tools/zexif/reader_tags.h"
 #include "tools/zexif/tag_argument.h"
 #include "tools/zexif/tag_json.h"
+#include "tools/zexif/tag_source.h"
 #include "zexif.h"
 
 namespace {
@@ -25,44 +23,28 @@ struct Summary {
     std::vector<TagView> tags;
 };
 
-// What a file tells, read through the read-only family where it answers as
-// the tree would: the flags and the Exif IFD's tags always, IFD 0's tags in
-// most files without a thumbnail. The tree is loaded only for the rest. The
-// views point into the reader or the document, which outlive the summary.
-class Summarizer {
-public:
-    explicit Summarizer(CExifReader *reader) : m_reader(reader) {}
-    ~Summarizer() { zExifDestroy(m_doc); }
-    Summarizer(const Summarizer &) = delete;
-    Summarizer &operator=(const Summarizer &) = delete;
-
-    // false, with the reason in message, when the tree was needed and the
-    // file doesn't load.
-    bool Summarize(const std::string &path, Summary *summary, std::string *message)
-    {
-        *summary = {FormatName(zRExifGetFileFormat(m_reader)), zRExifIsExifExist(m_reader) == 1,
-                    zRExifIsThumbnailExist(m_reader) == 1, zRExifIsAudioExist(m_reader) == 1, {}};
-        for (const char *name : SUMMARY_TAGS) {
-            const TagName *known = FindTagByName(name);
-            TagAddress address;
-            address.group = known->group;
-            address.number = known->number;
-            TagView view;
-            if (ReaderAnswersFor(m_reader, address)) {
-                if (ReaderViewOfTag(m_reader, address, &view)) summary->tags.push_back(view);
-                continue;
-            }
-            if (m_doc == nullptr && (m_doc = TryLoadDocument(path, message)) == nullptr) return false;
-            const CTag *tag = FindAddressedTag(m_doc, address);
-            if (tag != nullptr && ViewOfTag(*tag, address.group, &view)) summary->tags.push_back(view);
+// The flags come from the read-only family, the tags from the source. false,
+// with the reason in message, when the tree was needed and the file doesn't
+// load.
+bool Summarize(TagSource &source, Summary *summary, std::string *message)
+{
+    CExifReader *reader = source.Reader();
+    *summary = {FormatName(zRExifGetFileFormat(reader)), zRExifIsExifExist(reader) == 1,
+                zRExifIsThumbnailExist(reader) == 1, zRExifIsAudioExist(reader) == 1, {}};
+    for (const char *name : SUMMARY_TAGS) {
+        const TagName *known = FindTagByName(name);
+        TagAddress address;
+        address.group = known->group;
+        address.number = known->number;
+        TagView view;
+        if (source.Find(address, &view, message)) {
+            summary->tags.push_back(view);
+        } else if (!message->empty()) {
+            return false;
         }
-        return true;
     }
-
-private:
-    CExifReader *m_reader;
-    CExifDoc *m_doc = nullptr;
-};
+    return true;
+}
 
 const char *YesNo(bool answer)
 {
@@ -110,17 +92,13 @@ int RunInfo(const std::vector<std::string> &arguments)
     FileReport report(parsed.Has("--json"));
     for (const std::string &path : parsed.positional) {
         std::string message;
-        CExifReader *reader = TryBeginRead(path, &message);
+        TagSource source(path, &message);
         Summary summary;
-        if (reader != nullptr) {
-            Summarizer summarizer(reader);
-            if (summarizer.Summarize(path, &summary, &message)) {
-                ReportSummary(path, summary, report);
-                message.clear();
-            }
+        if (source.Reader() != nullptr && Summarize(source, &summary, &message)) {
+            ReportSummary(path, summary, report);
+        } else {
+            report.Fail(path, message);
         }
-        if (!message.empty()) report.Fail(path, message);
-        zRExifEndRead(reader);
     }
     return report.Finish();
 }
