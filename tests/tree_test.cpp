@@ -72,7 +72,8 @@ TEST(BlockData, ReplacingCopiesBeforeItReleases)
     block.GetData(&data, &size);
     EXPECT_EQ("cde", std::string(reinterpret_cast<char *>(data), size));
     EXPECT_EQ(0, block.SetData("x", 0));
-    EXPECT_EQ(3, size);
+    block.GetData(&data, &size);
+    EXPECT_EQ("cde", std::string(reinterpret_cast<char *>(data), size));
 }
 
 }  // namespace
