@@ -1,198 +1,181 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <vector>
+#include <memory>
 
+#include "platform/utf16.h"
+#include "reader/cached_file.h"
 #include "streams/file_stream.h"
 #include "streams/hook_stream.h"
 #include "streams/memory_stream.h"
-#include "support/temp_dir.h"
+#include "support/files.h"
+#include "zexif.h"
 
 namespace {
 
-std::vector<uint8_t> Counting(size_t n)
-{
-    std::vector<uint8_t> bytes(n);
-    for (size_t i = 0; i < n; i++) bytes[i] = uint8_t(i);
-    return bytes;
-}
-
-struct MemoryStream : ::testing::Test {
-    std::vector<uint8_t> block = Counting(10);
-    CStreamIO *stream = nullptr;
-    void SetUp() override { ASSERT_EQ(1, CreateMemoryStream(&stream, block.data(), 10)); }
-    void TearDown() override { DeleteStream(stream); }
+struct StreamDeleter {
+    void operator()(CStreamIO *stream) const { DeleteStream(stream); }
 };
+using StreamPtr = std::unique_ptr<CStreamIO, StreamDeleter>;
 
-TEST_F(MemoryStream, SeekStopsAtEitherEndAndReportsWhereItWent)
+// Offsets from files reach a memory stream unchecked: a seek stops at either
+// end and tells where it went, the position for whence 0, the distance for 1.
+TEST(MemoryStream, SeeksStopAtEitherEndAndTellWhereTheyWent)
 {
-    EXPECT_EQ(10, stream->Seek(0, 25));
-    EXPECT_EQ(10, stream->Tell());
-    EXPECT_EQ(1, stream->IsEof());
-
-    stream->Seek(0, 4);
-    EXPECT_EQ(6, stream->Seek(1, 25));
-    EXPECT_EQ(0, stream->Seek(2, 5));
-    EXPECT_EQ(10, stream->Tell());
-    EXPECT_EQ(-3, stream->Seek(2, -3));
-    EXPECT_EQ(7, stream->Tell());
-    EXPECT_EQ(-10, stream->Seek(2, -25));
-    EXPECT_EQ(0, stream->Tell());
-    stream->Seek(0, 3);
-    EXPECT_EQ(5, stream->Seek(7, 5));
-    EXPECT_EQ(3, stream->Tell());
-}
-
-TEST_F(MemoryStream, NegativeOffsetsNeverLeaveTheBlock)
-{
-    EXPECT_EQ(0, stream->Seek(0, -5));
-    EXPECT_EQ(0, stream->Tell());
-    stream->Seek(0, 4);
-    EXPECT_EQ(-4, stream->Seek(1, -100));
-    EXPECT_EQ(0, stream->Tell());
-    EXPECT_EQ(0, stream->Seek(0, INT32_MIN));
-    EXPECT_EQ(0, stream->Tell());
-    stream->Seek(0, 5);
-    EXPECT_EQ(5, stream->Seek(1, INT32_MAX));
-    EXPECT_EQ(10, stream->Tell());
-}
-
-TEST_F(MemoryStream, ReadAndWriteAreCutAtTheEnd)
-{
-    uint8_t buffer[8] = {};
-    stream->Seek(0, 6);
-    EXPECT_EQ(4u, stream->Read(buffer, 8));
-    EXPECT_EQ(6, buffer[0]);
-    EXPECT_EQ(0u, stream->Read(buffer, 8));
-
-    const uint8_t ones[8] = {1, 1, 1, 1, 1, 1, 1, 1};
-    stream->Seek(0, 6);
-    EXPECT_EQ(4u, stream->Write(ones, 8));
-    EXPECT_EQ(10, stream->Tell());
-    EXPECT_EQ(1, block[9]);
-}
-
-TEST_F(MemoryStream, IsEofAsSoonAsTheLastByteIsConsumed)
-{
-    uint8_t buffer[9];
-    stream->Read(buffer, 9);
-    EXPECT_EQ(0, stream->IsEof());
-    stream->Read(buffer, 1);
-    EXPECT_EQ(1, stream->IsEof());
-}
-
-TEST(FileStream, IsEofOnlyAfterAReadPastTheEnd)
-{
-    TempDir dir;
-    std::string path = dir.Write("ten.bin", Counting(10));
-    CStreamIO *stream = nullptr;
-    ASSERT_EQ(1, CreateFileStream(&stream, path.c_str(), STREAM_READ));
-    uint8_t buffer[10];
-    EXPECT_EQ(10u, stream->Read(buffer, 10));
-    EXPECT_EQ(0, stream->IsEof());
-    EXPECT_EQ(0u, stream->Read(buffer, 1));
-    EXPECT_NE(0, stream->IsEof());
-    EXPECT_EQ(0, stream->Seek(0, 100));
-    EXPECT_EQ(0, stream->IsEof());
-    EXPECT_EQ(0u, stream->Read(buffer, 1));
-    DeleteStream(stream);
-}
-
-TEST(FileStream, WriteModeCreatesAndTruncates)
-{
-    TempDir dir;
-    std::string path = dir.Write("out.bin", Counting(50));
-    CStreamIO *stream = nullptr;
-    ASSERT_EQ(1, CreateFileStream(&stream, path.c_str(), STREAM_WRITE));
-    EXPECT_EQ(3u, stream->Write("abc", 3));
-    EXPECT_EQ(1, static_cast<CFileObj *>(stream)->Close());
-    DeleteStream(stream);
-    EXPECT_EQ((std::vector<uint8_t>{'a', 'b', 'c'}), ReadFileBytes(path));
-}
-
-TEST(StreamFactories, FailuresLeaveTheCallersPointer)
-{
-    CStreamIO *const sentinel = reinterpret_cast<CStreamIO *>(0x1);
-    CStreamIO *stream = sentinel;
-    uint8_t byte = 0;
-    EXPECT_EQ(0, CreateMemoryStream(&stream, &byte, 0));
-    EXPECT_EQ(0, CreateMemoryStream(&stream, nullptr, 1));
-    EXPECT_EQ(0, CreateHookStream(&stream, nullptr, 4));
-    EXPECT_EQ(0, CreateFileStream(&stream, "/nonexistent/dir/file.jpg", STREAM_READ));
-    EXPECT_EQ(0, CreateFileStream(&stream, "/nonexistent/dir/file.jpg", STREAM_WRITE));
-    EXPECT_EQ(0, CreateFileStream(&stream, "/nonexistent/dir/file.jpg", 3));
-    EXPECT_EQ(sentinel, stream);
-
-    CStreamIO *parent = nullptr;
-    ASSERT_EQ(1, CreateMemoryStream(&parent, &byte, 1));
-    EXPECT_EQ(0, CreateHookStream(&stream, parent, 0));
-    EXPECT_EQ(sentinel, stream);
-    DeleteStream(parent);
-    DeleteStream(nullptr);
-}
-
-struct HookOverFile : ::testing::Test {
-    TempDir dir;
-    CStreamIO *file = nullptr;
-    CStreamIO *view = nullptr;
-    void SetUp() override
-    {
-        std::string path = dir.Write("200.bin", Counting(200));
-        ASSERT_EQ(1, CreateFileStream(&file, path.c_str(), STREAM_READ));
-        file->Seek(0, 100);
-        ASSERT_EQ(1, CreateHookStream(&view, file, 20));
+    Bytes data = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    CStreamObj stream(data.data(), 10);
+    const struct {
+        int whence;
+        int32_t offset;
+        int32_t result, position;
+    } seeks[] = {{0, 4, 4, 4},   {0, 10, 10, 10}, {0, 11, 10, 10}, {0, -3, 0, 0},   {1, 3, 3, 3},   {1, 20, 7, 10},
+                 {1, -4, -4, 6}, {1, -9, -6, 0},  {2, 0, 0, 10},   {2, -10, -10, 0}, {2, -11, -10, 0}, {2, 5, 0, 10},
+                 {2, -1, -1, 9}};
+    for (const auto &s : seeks) {
+        EXPECT_EQ(s.result, stream.Seek(s.whence, s.offset)) << s.whence << " " << s.offset;
+        EXPECT_EQ(s.position, stream.Tell()) << s.whence << " " << s.offset;
     }
-    void TearDown() override
-    {
-        DeleteStream(view);
-        DeleteStream(file);
-    }
-};
+    uint8_t buffer[4] = {};
+    stream.Seek(0, 7);
+    EXPECT_EQ(0, stream.IsEof());
+    EXPECT_EQ(3u, stream.Read(buffer, 4));
+    EXPECT_EQ(1, stream.IsEof());
+    EXPECT_EQ((Bytes{8, 9, 10}), Bytes(buffer, buffer + 3));
+    stream.Seek(0, 8);
+    EXPECT_EQ(2u, stream.Write(buffer, 4));
+    EXPECT_EQ((Bytes{8, 9}), Bytes(data.begin() + 8, data.end()));
+    EXPECT_EQ(0u, stream.Read(buffer, 1));
+}
 
-TEST_F(HookOverFile, PositionsCountFromWhereTheViewWasMade)
+// A view counts from where its parent stood when it was made, shares the
+// parent's position, never reaches in front of itself, and ends where its
+// size says.
+TEST(HookStream, CountsFromWhereItWasMade)
 {
+    Bytes data(100);
+    for (size_t i = 0; i < data.size(); i++) data[i] = uint8_t(i);
+    CStreamObj parent(data.data(), 100);
+    parent.Seek(0, 30);
+    CStreamIO *raw = nullptr;
+    ASSERT_EQ(1, CreateHookStream(&raw, &parent, 20));
+    StreamPtr view(raw);
     EXPECT_EQ(0, view->Tell());
-    EXPECT_EQ(-100, view->Seek(0, 5));
-    EXPECT_EQ(105, file->Tell());
-    uint8_t buffer[30];
-    view->Seek(0, 0);
-    EXPECT_EQ(30u, view->Read(buffer, 30));
-    EXPECT_EQ(100, buffer[0]);
+    EXPECT_EQ(5, view->Seek(0, 5));
+    uint8_t byte = 0;
+    view->Read(&byte, 1);
+    EXPECT_EQ(35, byte);
+    EXPECT_EQ(36, parent.Tell());
+    EXPECT_EQ(0, view->Seek(0, -5));
+    EXPECT_EQ(30, parent.Tell());
+    EXPECT_EQ(0, view->IsEof());
+    view->Seek(0, 20);
     EXPECT_EQ(1, view->IsEof());
-    view->Seek(2, 0);
-    EXPECT_EQ(200, file->Tell());
+    EXPECT_EQ(70, view->Seek(0, 1000));
+    EXPECT_EQ(-100, view->Seek(1, -100));
+    EXPECT_EQ(-30, view->Tell());
+    EXPECT_EQ(0, CreateHookStream(&raw, &parent, 0));
+    EXPECT_EQ(0, CreateHookStream(&raw, nullptr, 5));
+    EXPECT_EQ(0, CreateMemoryStream(&raw, data.data(), 0));
+    EXPECT_EQ(0, CreateFileStream(&raw, "/nonexistent/zexif", STREAM_READ));
+    EXPECT_EQ(0, CreateFileStream(&raw, "/tmp", 3));
+    EXPECT_EQ(view.get(), raw);
 }
 
-TEST_F(HookOverFile, NegativeViewOffsetsStopAtTheViewStart)
+// The reader's file answers every read, seek and end-of-file question as the
+// file stream does, inside its head, its window and beyond.
+TEST(CachedFile, AnswersAsTheFileStreamDoes)
 {
-    view->Seek(0, -50);
-    EXPECT_EQ(100, file->Tell());
-    view->Seek(0, INT32_MAX);
-    view->Seek(0, INT32_MIN);
-    EXPECT_EQ(0, view->Tell());
+    TempDir dir;
+    for (size_t size : {size_t(0), size_t(100), size_t(20000), size_t(65536), size_t(65537), size_t(200000)}) {
+        Bytes content(size);
+        std::mt19937 rng{uint32_t(size)};
+        for (uint8_t &b : content) b = uint8_t(rng());
+        std::string path = dir.Write("file", content);
+        CStreamIO *raw = nullptr;
+        ASSERT_EQ(1, CreateFileStream(&raw, path.c_str(), STREAM_READ));
+        StreamPtr file(raw);
+        CCachedFileObj cached;
+        ASSERT_EQ(1, cached.Open(path.c_str()));
+        EXPECT_EQ(0, cached.Open(path.c_str()));
+        const uint32_t reads[] = {1, 2, 4, 12, 100, 4096, 5000, 70000};
+        for (int step = 0; step < 400; step++) {
+            std::string what = "size " + std::to_string(size) + " step " + std::to_string(step);
+            if (rng() % 3 == 0) {
+                int whence = int(rng() % 3);
+                int32_t offset = int32_t(rng() % (size + 200)) - (whence == 0 ? 50 : int32_t(size / 2 + 100));
+                ASSERT_EQ(file->Seek(whence, offset), cached.Seek(whence, offset)) << what;
+            } else {
+                uint32_t n = reads[rng() % 8];
+                Bytes a(n), b(n);
+                uint32_t got = file->Read(a.data(), n);
+                ASSERT_EQ(got, cached.Read(b.data(), n)) << what;
+                ASSERT_EQ(Bytes(a.begin(), a.begin() + got), Bytes(b.begin(), b.begin() + got)) << what;
+            }
+            ASSERT_EQ(file->Tell(), cached.Tell()) << what;
+            ASSERT_EQ(file->IsEof() != 0, cached.IsEof() != 0) << what;
+        }
+        unsigned char *view = nullptr;
+        EXPECT_EQ(size < 10 ? size : 10, cached.HeadView(0, 10, &view));
+        if (size > 0) EXPECT_EQ(content[0], view[0]);
+        EXPECT_EQ(0u, cached.HeadView(65530, 10, &view));
+    }
 }
 
-TEST_F(HookOverFile, DeletingTheViewLeavesTheParentOpen)
+Bytes Utf16Of(const std::u16string &text)
 {
-    DeleteStream(view);
-    view = nullptr;
-    uint8_t byte = 0;
-    EXPECT_EQ(1u, file->Read(&byte, 1));
-    EXPECT_EQ(100, byte);
+    Bytes out;
+    for (char16_t unit : text) out.insert(out.end(), {uint8_t(unit), uint8_t(unit >> 8)});
+    out.insert(out.end(), {0, 0});
+    return out;
 }
 
-TEST(HookOverMemory, SeekPastTheParentsEndStopsThere)
+// A path of 16-bit characters is read as one where the narrow reading can't
+// be a path; surrogate pairs become one character, broken ones no path.
+TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
 {
-    std::vector<uint8_t> block = Counting(110);
-    CStreamIO *memory = nullptr;
-    CStreamIO *view = nullptr;
-    ASSERT_EQ(1, CreateMemoryStream(&memory, block.data(), 110));
-    memory->Seek(0, 100);
-    ASSERT_EQ(1, CreateHookStream(&view, memory, 20));
-    EXPECT_EQ(10, view->Seek(0, 30));
-    DeleteStream(view);
-    DeleteStream(memory);
-    EXPECT_EQ(109, block[109]);
+    const struct {
+        std::u16string wide;
+        const char *utf8;
+    } conversions[] = {{u"a", "a"},
+                       {u"\u00e9t\u00e9", "\xc3\xa9t\xc3\xa9"},
+                       {u"\u20ac", "\xe2\x82\xac"},
+                       {u"\U0001F600.jpg", "\xf0\x9f\x98\x80.jpg"},
+                       {u"\U0010FFFF", "\xf4\x8f\xbf\xbf"},
+                       {u"\u007f\u0080\u07ff\u0800\uffff", "\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"}};
+    for (const auto &c : conversions) {
+        std::string out;
+        ASSERT_EQ(1, Utf16ToUtf8(Utf16Of(c.wide).data(), out));
+        EXPECT_EQ(c.utf8, out);
+    }
+    std::string out;
+    for (std::u16string broken : {std::u16string(), std::u16string(1, char16_t(0xD800)), std::u16string(1, char16_t(0xDC00)),
+                                  std::u16string(1, char16_t(0xDFFF)), std::u16string{char16_t(0xDBFF), u'x'},
+                                  std::u16string{char16_t(0xD800), char16_t(0xE000)}}) {
+        EXPECT_EQ(0, Utf16ToUtf8(Utf16Of(broken).data(), out));
+    }
+    EXPECT_EQ(0, Utf16ToUtf8(Utf16Of(std::u16string(MAX_WIDE_PATH + 1, u'a')).data(), out));
+    EXPECT_EQ(1, Utf16ToUtf8(Utf16Of(std::u16string(MAX_WIDE_PATH, u'a')).data(), out));
+    EXPECT_EQ(1, LooksLikeWidePath("/"));
+    EXPECT_EQ(1, LooksLikeWidePath("\xff\xfe"));
+    EXPECT_EQ(0, LooksLikeWidePath("/tmp"));
+    EXPECT_EQ(0, LooksLikeWidePath("\xc3\xa9t\xc3\xa9"));
+    EXPECT_EQ(0, LooksLikeWidePath(""));
+
+    TempDir dir;
+    std::mt19937 rng{1};
+    Bytes jpeg = CameraJpeg(Layout({false, {{Ascii(271, "Cam")}}, {}, {}}), rng);
+    std::string name = "\xf0\x9f\x98\x80 \xc3\xa9t\xc3\xa9.jpg";
+    dir.Write(name, jpeg);
+    std::u16string wide;
+    for (char c : dir.m_path + "/") wide += char16_t(uint8_t(c));
+    Bytes path = Utf16Of(wide + u"\U0001F600 \u00e9t\u00e9.jpg");
+    CExifDoc *doc = zExifLoadFile(path.data());
+    EXPECT_NE(nullptr, doc);
+    zExifDestroy(doc);
+    CExifReader *reader = zRExifBeginRead(path.data());
+    EXPECT_NE(nullptr, reader);
+    zRExifEndRead(reader);
+    EXPECT_EQ(nullptr, zExifLoadFile(Utf16Of(wide + u"missing.jpg").data()));
+    EXPECT_EQ(nullptr, zExifLoadFile(nullptr));
 }
 
 }  // namespace

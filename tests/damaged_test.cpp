@@ -1,0 +1,203 @@
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "support/files.h"
+#include "support/oracle.h"
+#include "support/tree_records.h"
+
+namespace {
+
+Bytes Generated(int seed, bool tiff)
+{
+    std::mt19937 rng{uint32_t(seed)};
+    Block block = RandomBlock(rng, tiff);
+    return tiff ? Layout(block) : CameraJpeg(Layout(block), rng);
+}
+
+TEST(DamagedFiles, CutShortAnywhere)
+{
+    for (int seed = 1; seed <= 12; seed++) {
+        for (bool tiff : {false, true}) {
+            Bytes file = Generated(seed, tiff);
+            for (size_t cut = 1; cut < file.size(); cut += 1 + cut / 8) {
+                CheckDamaged(Bytes(file.begin(), file.begin() + long(cut)), "cut at " + std::to_string(cut));
+            }
+        }
+    }
+}
+
+TEST(DamagedFiles, FieldsOverwrittenWithHostileNumbers)
+{
+    const uint32_t hostile[] = {0, 1, 7, 0x7F, 0xFF, 0x101, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    for (int seed = 1; seed <= 12; seed++) {
+        for (bool tiff : {false, true}) {
+            Bytes file = Generated(seed, tiff);
+            size_t start = tiff ? 0 : 30;
+            std::mt19937 rng{uint32_t(seed)};
+            for (int i = 0; i < 40; i++) {
+                Bytes damaged = file;
+                size_t pos = start + rng() % 400;
+                if (pos + 4 > damaged.size()) continue;
+                bool bigEndian = rng() % 2;
+                Patch32(damaged, pos, hostile[rng() % 11], bigEndian);
+                CheckDamaged(damaged, "seed " + std::to_string(seed) + " word at " + std::to_string(pos));
+            }
+        }
+    }
+}
+
+// A block whose fields the cases overwrite: IFD 0 with Make and the Exif
+// pointer, IFD 1 with a description, the Exif IFD with a rational and a date.
+struct Fixture {
+    explicit Fixture(bool bigEndian)
+    {
+        block.bigEndian = bigEndian;
+        block.chain = {{Ascii(271, "Camera"), PointerTo(34665, 0)}, {Ascii(270, "Description")}};
+        block.subs = {{Rational(33434, 1, 250), Ascii(36867, "2020:01:01 10:00:00")}};
+        bytes = Layout(block);
+        ifd0 = IfdOffset(block, 0), ifd1 = IfdOffset(block, 1), exif = IfdOffset(block, 2);
+    }
+    static uint32_t Field(uint32_t ifd, int i) { return ifd + 2 + 12 * i + 8; }
+    static uint32_t Count(uint32_t ifd, int i) { return Field(ifd, i) - 4; }
+    static uint32_t Link(uint32_t ifd, int entries) { return ifd + 2 + 12 * entries; }
+
+    Block block;
+    Bytes bytes;
+    uint32_t ifd0, ifd1, exif;
+};
+
+struct Patch {
+    uint32_t pos;
+    uint32_t value;
+    int width;  // 4, 2, or 0 for two zero bytes
+};
+
+struct Hostile {
+    const char *name;
+    std::vector<Patch> (*patches)(const Fixture &);
+    std::vector<uint32_t> found;  // of 271, 270, 33434, 36867
+};
+
+const Hostile kHostile[] = {
+    {"untouched", [](const Fixture &) { return std::vector<Patch>{}; }, {271, 270, 33434, 36867}},
+    {"chain loops back to IFD 0", [](const Fixture &f) { return std::vector<Patch>{{f.Link(f.ifd1, 1), f.ifd0, 4}}; },
+     {271, 270, 33434, 36867}},
+    {"IFD 0 links to itself", [](const Fixture &f) { return std::vector<Patch>{{f.Link(f.ifd0, 2), f.ifd0, 4}}; },
+     {271, 33434, 36867}},
+    {"offsets with the top bit set",
+     [](const Fixture &f) {
+         return std::vector<Patch>{{f.Field(f.ifd0, 0), 0x80000020, 4}, {f.Link(f.ifd0, 2), 0x80000000 | f.ifd1, 4}};
+     },
+     {33434, 36867}},
+    {"Exif pointer with the top bit set",
+     [](const Fixture &f) { return std::vector<Patch>{{f.Field(f.ifd0, 1), 0xFFFFFFF0, 4}}; }, {271, 270}},
+    {"first IFD offset with the top bit set", [](const Fixture &) { return std::vector<Patch>{{4, 0x80000008, 4}}; },
+     {}},
+    {"counts larger than the stream",
+     [](const Fixture &f) {
+         return std::vector<Patch>{
+             {f.Count(f.ifd0, 0), 0xFFFFFFFF, 4}, {f.Count(f.exif, 0), 0x20000001, 4}, {f.Count(f.exif, 1), 1000000, 4}};
+     },
+     {270}},
+    {"values behind the end",
+     [](const Fixture &f) {
+         return std::vector<Patch>{{f.Field(f.ifd0, 0), uint32_t(f.bytes.size() - 4), 4}, {f.Field(f.exif, 0), 0x7FFFFFF0, 4}};
+     },
+     {270, 36867}},
+    {"IFDs behind the end",
+     [](const Fixture &f) {
+         return std::vector<Patch>{{f.Link(f.ifd0, 2), 0x7FFFFFF0, 4}, {f.Field(f.ifd0, 1), 0x00FFFFF0, 4}};
+     },
+     {271}},
+    {"type 0 ends the chain", [](const Fixture &f) { return std::vector<Patch>{{f.Count(f.ifd0, 1) - 2, 0, 0}}; },
+     {271}},
+    {"entry count with its top bit set", [](const Fixture &f) { return std::vector<Patch>{{f.ifd1, 0x8001, 2}}; },
+     {271, 33434, 36867}},
+};
+
+Bytes Patched(const Fixture &f, const Hostile &c)
+{
+    Bytes bytes = f.bytes;
+    for (const Patch &p : c.patches(f)) {
+        if (p.width == 4) Patch32(bytes, p.pos, p.value, f.block.bigEndian);
+        if (p.width == 2) {
+            bytes[p.pos] = uint8_t(f.block.bigEndian ? p.value >> 8 : p.value);
+            bytes[p.pos + 1] = uint8_t(f.block.bigEndian ? p.value : p.value >> 8);
+        }
+        if (p.width == 0) bytes[p.pos] = bytes[p.pos + 1] = 0;
+    }
+    return bytes;
+}
+
+std::vector<uint32_t> FoundByReader(const std::string &path)
+{
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    std::vector<uint32_t> found;
+    for (uint32_t tag : {271u, 270u, 33434u, 36867u}) {
+        ExifTagValue value = {};
+        if (reader != nullptr && zRExifGetTag(reader.get(), tag, &value) == 0) found.push_back(tag);
+    }
+    return found;
+}
+
+// The reader gives what lies where the file says, and nothing it would have
+// to guess; the load keeps what the raw reading keeps.
+TEST(HostileFields, ReaderAnswersOnlyWhatTheFileHolds)
+{
+    for (bool bigEndian : {false, true}) {
+        Fixture fixture(bigEndian);
+        for (const Hostile &c : kHostile) {
+            Bytes tiff = Patched(fixture, c);
+            std::mt19937 rng{1};
+            for (const Bytes &file : {tiff, CameraJpeg(tiff, rng)}) {
+                std::string label = std::string(c.name) + (file == tiff ? " in a TIFF" : " in a JPEG") +
+                                    (bigEndian ? ", big-endian" : "");
+                TempDir dir;
+                EXPECT_EQ(c.found, FoundByReader(dir.Write("photo", file))) << label;
+                CheckDamaged(file, label);
+            }
+        }
+    }
+}
+
+Bytes TiffOfIfds(size_t count, size_t entries)
+{
+    Block block;
+    for (size_t i = 0; i < count; i++) {
+        Ifd ifd;
+        for (size_t k = 0; k < entries; k++) ifd.push_back(Short(uint16_t(270 + k), uint16_t(i)));
+        block.chain.push_back(ifd);
+    }
+    return Layout(block);
+}
+
+// An IFD holds 100 entries at most; a chain is followed for 1024 IFDs, by
+// the load and the reader alike: IFD 1023 is the last one whose tags count.
+TEST(Limits, EntriesPerIfdAndIfdsPerChain)
+{
+    EXPECT_TRUE(ReadRaw(TiffOfIfds(1, 100)).loads);
+    EXPECT_FALSE(ReadRaw(TiffOfIfds(1, 101)).loads);
+    CheckDamaged(TiffOfIfds(1, 100), "100 entries");
+    CheckDamaged(TiffOfIfds(1, 101), "101 entries");
+    Bytes chain = TiffOfIfds(1030, 1);
+    CheckDamaged(chain, "1030 IFDs");
+    EXPECT_EQ(1024u, ReadRaw(chain).tags.size());
+    TempDir dir;
+    ReaderPtr reader(zRExifBeginRead(dir.Write("chain.tif", chain).c_str()));
+    ExifTagValue value = {};
+    ASSERT_EQ(0, zRExifGetTag(reader.get(), 270, &value));
+    EXPECT_EQ((Bytes{0xFF, 0x03}), ValueBytes(value));
+}
+
+// Offsets are 31-bit: a file of 2 GiB or more is refused, without reading it.
+TEST(Limits, FilesOfTwoGigabytesAreRefused)
+{
+    TempDir dir;
+    std::mt19937 rng{3};
+    std::string path = dir.Write("huge.jpg", CameraJpeg(Layout(RandomBlock(rng, false)), rng));
+    ASSERT_EQ(0, truncate(path.c_str(), off_t(1) << 31));
+    EXPECT_EQ(nullptr, zExifLoadFile(path.c_str()));
+}
+
+}  // namespace

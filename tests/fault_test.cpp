@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+
+#include "reader/tif_tag_list.h"
+#include "support/fault.h"
+#include "support/files.h"
+#include "support/tree_records.h"
+
+namespace {
+
+// Files in the shapes that take different roads: a JPEG with a thumbnail,
+// GPS and audio, a TIFF of strips, and a real file of each kind.
+std::vector<Bytes> Subjects()
+{
+    std::vector<Bytes> files;
+    for (int seed : {3, 4}) {
+        std::mt19937 rng{uint32_t(seed)};
+        Block block = RandomBlock(rng, seed == 4);
+        files.push_back(seed == 4 ? Layout(block) : CameraJpeg(Layout(block), rng));
+    }
+    Bytes audio = {'R', 'I', 'F', 'F', 4, 0, 0, 0, 'W', 'A', 'V', 'E'};
+    Bytes head = {'F', 'P', 'X', 'R', 0, 0, 2, 0, 4, 0, 0, 0, 0};
+    head.resize(41, 0);
+    head.insert(head.end(), audio.begin(), audio.end());
+    files[0].insert(files[0].begin() + 2, {0xFF, 0xE2, 0, uint8_t(head.size() + 2)});
+    files[0].insert(files[0].begin() + 6, head.begin(), head.end());
+    for (const std::string &path : Samples()) {
+        if (files.size() < 4 && path.find(files.size() == 2 ? "Canon_40D.jpg" : ".tif") != std::string::npos) {
+            files.push_back(ReadFile(path));
+        }
+    }
+    return files;
+}
+
+std::string Extension(const Bytes &file)
+{
+    return file[0] == 0xFF ? ".jpg" : ".tif";
+}
+
+std::string Describe(const ExifTagValue &value, int result)
+{
+    if (result != 0) return "";
+    Bytes bytes = ValueBytes(value);
+    return std::to_string(value.type) + ":" + std::string(bytes.begin(), bytes.end());
+}
+
+// A reader's answer to each question; "" where it gave none.
+std::vector<std::string> ReaderAnswers(const std::string &path)
+{
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    std::vector<std::string> answers = {std::to_string(zRExifGetFileFormat(reader.get()))};
+    for (uint32_t tag : {271u, 274u, 306u, 33434u, 36867u, 37500u}) {
+        ExifTagValue value = {};
+        answers.push_back(Describe(value, zRExifGetTag(reader.get(), tag, &value)));
+    }
+    ExifBuffer buffer = {};
+    int got = zRExifGetThumbnailData(reader.get(), &buffer);
+    answers.push_back(got != 0 ? "" : std::string(buffer.data, buffer.data + buffer.size));
+    buffer = {};
+    got = zRExifGetExifMarker(reader.get(), &buffer);
+    answers.push_back(got != 0 ? "" : std::string(buffer.data, buffer.data + buffer.size));
+    delete[] buffer.data;
+    TifTagList *list = nullptr;
+    got = zRExifGetTIFExifData(reader.get(), &list);
+    answers.push_back(got != 0 || list == nullptr ? "" : std::to_string(list->count));
+    FreeTifTagList(list);
+    answers.push_back(zRExifIsAudioExist(reader.get()) ? "audio" : "");
+    return answers;
+}
+
+// Any open, read, seek or allocation of a load that fails gives null; the
+// standard library alone gets by without some of its allocations, and then
+// the tree is whole.
+TEST(Faults, ALoadFailsWholeOrNotAtAll)
+{
+    for (const Bytes &file : Subjects()) {
+        TempDir dir;
+        std::string path = dir.Write("photo" + Extension(file), file);
+        std::vector<RawTag> clean = ReadRaw(file).tags;
+        uint64_t failed = ForEachFailingCall([&](uint64_t failAt) {
+            FaultWindow window(FAULT_ANY, failAt);
+            DocPtr doc(zExifLoadFile(path.c_str()));
+            bool struck = window.Close();
+            if (doc != nullptr) EXPECT_EQ(clean, TreeTags(*doc)) << window.Describe(failAt);
+            EXPECT_TRUE(doc == nullptr ? struck : !struck || window.m_struck == FAULT_ALLOC) << window.Describe(failAt);
+            return struck && !::testing::Test::HasFailure();
+        });
+        EXPECT_GT(failed, 10u);
+    }
+}
+
+// A reader whose open, reads or allocations fail answers fewer questions,
+// never wrongly.
+TEST(Faults, AReaderAnswersFewerButNeverWrong)
+{
+    for (const Bytes &file : Subjects()) {
+        TempDir dir;
+        std::string path = dir.Write("photo" + Extension(file), file);
+        const std::vector<std::string> clean = ReaderAnswers(path);
+        ForEachFailingCall([&](uint64_t failAt) {
+            FaultWindow window(FAULT_ANY, failAt);
+            std::vector<std::string> answers = ReaderAnswers(path);
+            bool struck = window.Close();
+            for (size_t i = 0; i < answers.size(); i++) {
+                if (answers[i] != "" && answers[i] != "0") EXPECT_EQ(clean[i], answers[i]) << i << " " << window.Describe(failAt);
+            }
+            return struck && !::testing::Test::HasFailure();
+        });
+    }
+}
+
+// Edits whose allocations fail give -1 and leave the tree as it was; an
+// in-place save that meets a failure anywhere (reading the source, making,
+// writing or syncing the temporary file, renaming it) loses nothing.
+TEST(Faults, FailedEditsAndSavesLoseNothing)
+{
+    Bytes thumb = ThumbnailBytes(500);
+    Bytes artist = {'J', 'a', 'n', 'e', 0};
+    const std::function<int(CExifDoc *)> edits[] = {
+        [&](CExifDoc *doc) {
+            ExifTagValue value = {2, 5, artist.data()};
+            return zExifSetTag(doc, 315, &value, 0);
+        },
+        [&](CExifDoc *doc) {
+            ExifTagValue value = {2, 5, artist.data()};
+            return zExifSetTag(doc, 36867, &value, 0);
+        },
+        [&](CExifDoc *doc) {
+            ExifBuffer buffer = {thumb.data(), uint32_t(thumb.size())};
+            return zExifSetThumbnailData(doc, &buffer);
+        },
+    };
+    for (const Bytes &file : Subjects()) {
+        TempDir dir;
+        std::string path = dir.Write("photo" + Extension(file), file);
+        std::string wave = dir.Write("voice.wav", Bytes(3000, 1));
+        for (const auto &edit : edits) {
+            ForEachFailingCall([&](uint64_t failAt) {
+                DocPtr doc(zExifLoadFile(path.c_str()));
+                std::vector<RawTag> before = TreeTags(*doc);
+                FaultWindow window(FAULT_ALLOC, failAt);
+                int result = edit(doc.get());
+                bool struck = window.Close();
+                if (result != 0) EXPECT_EQ(before, TreeTags(*doc)) << window.Describe(failAt);
+                return struck && !::testing::Test::HasFailure();
+            });
+        }
+        DocPtr edited(zExifLoadFile(path.c_str()));
+        for (const auto &edit : edits) edit(edited.get());
+        zExifSetAudioFile(edited.get(), wave.c_str());
+        ASSERT_EQ(0, zExifSaveFile(edited.get(), dir.Path("clean").c_str()));
+        Bytes saved = ReadFile(dir.Path("clean"));
+        std::remove(dir.Path("clean").c_str());
+        std::vector<std::string> listing = dir.List();
+        uint64_t failed = ForEachFailingCall([&](uint64_t failAt) {
+            DocPtr doc(zExifLoadFile(path.c_str()));
+            for (const auto &edit : edits) edit(doc.get());
+            zExifSetAudioFile(doc.get(), wave.c_str());
+            FaultWindow window(FAULT_ANY, failAt);
+            int result = zExifSaveFile(doc.get(), path.c_str());
+            bool struck = window.Close();
+            EXPECT_TRUE(struck ? result == -1 || window.m_struck == FAULT_ALLOC : result == 0) << window.Describe(failAt);
+            EXPECT_EQ(result == 0 ? saved : file, ReadFile(path)) << window.Describe(failAt);
+            EXPECT_EQ(listing, dir.List()) << window.Describe(failAt);
+            if (result == 0) dir.Write("photo" + Extension(file), file);
+            return struck && !::testing::Test::HasFailure();
+        });
+        EXPECT_GT(failed, 10u);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "reader/tif_tag_list.h"
+#include "support/files.h"
+#include "support/oracle.h"
+#include "support/tree_records.h"
+
+namespace {
+
+const Entry kMake = Ascii(271, "Cam");
+
+Bytes ExifBlockWithThumbnail(const std::string &make)
+{
+    return Layout({false, {{Ascii(271, make)}, {OffsetsOf(513, {0}), Long(514, 200)}}, {}, {ThumbnailBytes(200)}});
+}
+
+// SOI, APP0, Exif APP1, an XMP APP1, two APP2 of ICC, DQT, SOS, EOI.
+Bytes JpegWithSegments()
+{
+    Bytes xmp = {'h', 't', 't', 'p', ':', '/', '/'}, icc = {'I', 'C', 'C', '_', 1};
+    return Jpeg({{0xE0, {'J', 'F', 'I', 'F', 0}}, {0xE1, ExifPayload(ExifBlockWithThumbnail("Cam"))}, {0xE1, xmp},
+                 {0xE2, icc}, {0xE2, icc}, {0xDB, Bytes(65, 1)}, {0xDA, {1, 1, 0, 0, 0x3F, 0}}},
+                {9, 9});
+}
+
+std::vector<int> Codes(const CExifDoc &doc)
+{
+    std::vector<int> codes;
+    for (const RawSegment &s : TreeSegments(doc)) codes.push_back(s.code);
+    return codes;
+}
+
+uint32_t Signature(const char *text)
+{
+    uint32_t value;
+    std::memcpy(&value, text, 4);
+    return value;
+}
+
+// APP1 takes every APP1 with it, whatever their signatures, and the Exif
+// they held; another code takes the first segment of that code when its
+// signature matches, and nothing else.
+TEST(RemoveMarker, TakesWhatItNames)
+{
+    TempDir dir;
+    std::string path = dir.Write("photo.jpg", JpegWithSegments());
+    DocPtr doc(zExifLoadFile(path.c_str()));
+    EXPECT_EQ(0, zExifRemoveMarker(doc.get(), 0xE2, Signature("XXXX")));
+    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE1, 0xE1, 0xE2, 0xE2, 0xDB, 0xDA, 161, 0xD9}), Codes(*doc));
+    EXPECT_EQ(0, zExifRemoveMarker(doc.get(), 0xE2, Signature("ICC_")));
+    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE1, 0xE1, 0xE2, 0xDB, 0xDA, 161, 0xD9}), Codes(*doc));
+    EXPECT_EQ(-1, zExifRemoveMarker(doc.get(), 0xE5, 0));
+    EXPECT_EQ(1, zExifIsThumbnailExist(doc.get()));
+    EXPECT_EQ(0, zExifRemoveMarker(doc.get(), 0xE1, 0));
+    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE2, 0xDB, 0xDA, 161, 0xD9}), Codes(*doc));
+    EXPECT_EQ(0, zExifIsThumbnailExist(doc.get()));
+    ExifTagValue value = {};
+    EXPECT_EQ(-1, zExifGetTag(doc.get(), 271, &value, 0));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str()));
+    EXPECT_TRUE(ReadRaw(ReadFile(path)).tags.empty());
+
+    DocPtr tiff(zExifLoadFile(dir.Write("photo.tif", Layout({false, {{kMake}}, {}, {}})).c_str()));
+    EXPECT_EQ(-1, zExifRemoveMarker(tiff.get(), 0xE1, 0));
+    EXPECT_EQ(-1, zExifRemoveMarker(nullptr, 0xE1, 0));
+}
+
+// A tag of a marker's number is no marker.
+TEST(RemoveMarker, NeverTakesATag)
+{
+    TempDir dir;
+    std::mt19937 rng{1};
+    DocPtr doc(zExifLoadFile(dir.Write("photo.jpg", CameraJpeg(Layout({false, {{Short(226, 1)}}, {}, {}}), rng)).c_str()));
+    EXPECT_EQ(-1, zExifRemoveMarker(doc.get(), 226, 0));
+    EXPECT_EQ(1u, TreeTags(*doc).size());
+}
+
+ExifBuffer ExifMarkerOf(const std::string &path)
+{
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    ExifBuffer buffer = {};
+    EXPECT_EQ(0, zRExifGetExifMarker(reader.get(), &buffer));
+    return buffer;
+}
+
+// The block goes in front of the Exif the document had, which the save
+// copies as it was; tags, lookups and the thumbnail come from the new one.
+TEST(InsertExifMarker, TakesOverTheBlockAndItsThumbnail)
+{
+    TempDir dir;
+    std::string from = dir.Write("from.jpg", Jpeg({{0xE1, ExifPayload(ExifBlockWithThumbnail("New"))}}, {}));
+    std::string into = dir.Write("into.jpg", JpegWithSegments());
+    DocPtr doc(zExifLoadFile(into.c_str()));
+    ExifBuffer buffer = ExifMarkerOf(from);
+    ASSERT_EQ(0, zExifInsertExifMarker(doc.get(), &buffer));
+    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE1, 0xE1, 0xE1, 0xE2, 0xE2, 0xDB, 0xDA, 161, 0xD9}), Codes(*doc));
+    ExifTagValue value = {};
+    ASSERT_EQ(0, zExifGetTag(doc.get(), 271, &value, 0));
+    EXPECT_EQ(std::string("New", 4), std::string(static_cast<char *>(value.data), value.count));
+    std::free(value.data);
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str()));
+    RawFile saved = ReadRaw(ReadFile(into));
+    EXPECT_EQ(ReadRaw(ReadFile(from)).tags, std::vector<RawTag>(saved.tags.begin(), saved.tags.begin() + 3));
+    EXPECT_EQ(ThumbnailBytes(200), saved.thumbnail);
+    EXPECT_EQ("APP1#1:IFD0", saved.tags[3].place);
+}
+
+TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
+{
+    TempDir dir;
+    DocPtr doc(zExifLoadFile(dir.Write("into.jpg", JpegWithSegments()).c_str()));
+    Bytes good = ExifPayload(Layout({false, {{kMake}}, {}, {}}));
+    for (size_t damage : {0, 3, 6, 7}) {
+        Bytes payload = good;
+        payload[damage] = 'X';
+        ExifBuffer buffer = {payload.data(), uint32_t(payload.size())};
+        EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &buffer)) << damage;
+    }
+    ExifBuffer shortBlock = {good.data(), 13}, null = {nullptr, 20};
+    EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &shortBlock));
+    EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &null));
+    DocPtr tiff(zExifLoadFile(dir.Write("photo.tif", Layout({false, {{kMake}}, {}, {}})).c_str()));
+    ExifBuffer buffer = {good.data(), uint32_t(good.size())};
+    EXPECT_EQ(-1, zExifInsertExifMarker(tiff.get(), &buffer));
+    EXPECT_EQ(3u, TreeTags(*doc).size());
+}
+
+Bytes TiffWithExif(const Ifd &exif)
+{
+    return Layout({false, {{kMake, OffsetsOf(273, {0}), Long(279, 8), PointerTo(34665, 0)}}, {exif}, {Bytes(8, 1)}});
+}
+
+// Only Exif-table tags go into the Exif IFD; the list is the document's to
+// release once all of it is in, and stays the caller's otherwise.
+TEST(SetTIFExifData, PoursTableTagsIntoTheExifIfd)
+{
+    TempDir dir;
+    std::string from = dir.Write("from.tif", TiffWithExif({Rational(33434, 1, 60), Short(700, 1), Ascii(36867, "2001:01:01 00:00:00")}));
+    std::string into = dir.Write("into.tif", Layout({true, {{kMake, OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 2)}}));
+    ReaderPtr reader(zRExifBeginRead(from.c_str()));
+    TifTagList *list = nullptr;
+    ASSERT_EQ(0, zRExifGetTIFExifData(reader.get(), &list));
+    DocPtr jpeg(zExifLoadFile(dir.Write("photo.jpg", JpegWithSegments()).c_str()));
+    EXPECT_EQ(-1, zExifSetTIFExifData(jpeg.get(), list));
+    DocPtr doc(zExifLoadFile(into.c_str()));
+    ASSERT_EQ(0, zExifSetTIFExifData(doc.get(), list));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str()));
+    std::vector<RawTag> exif;
+    for (const RawTag &t : ReadRaw(ReadFile(into)).tags) {
+        if (t.place == "IFD0/34665") exif.push_back(t);
+    }
+    EXPECT_EQ((std::vector<RawTag>{{"IFD0/34665", 33434, 5, 1, {1, 0, 0, 0, 60, 0, 0, 0}},
+                                   {"IFD0/34665", 36867, 2, 20, Ascii(0, "2001:01:01 00:00:00").value}}),
+              exif);
+    TifTagList *empty = AllocTifTagList(0);
+    EXPECT_EQ(0, zExifSetTIFExifData(doc.get(), empty));
+}
+
+// Every real file's Exif carries into a file without any: a JPEG's block
+// whole, a TIFF's Exif-table tags.
+TEST(CopyExif, CarriesEveryRealFilesExif)
+{
+    SKIP_WITHOUT_SAMPLES();
+    TempDir dir;
+    std::mt19937 rng{4};
+    Bytes plainJpeg = CameraJpeg({}, rng);
+    Bytes plainTiff = Layout({false, {{kMake, OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 2)}});
+    for (const std::string &path : Samples()) {
+        RawFile source = ReadRaw(ReadFile(path));
+        bool jpeg = source.format == 1;
+        std::string into = dir.Write(jpeg ? "into.jpg" : "into.tif", jpeg ? plainJpeg : plainTiff);
+        DocPtr doc(zExifLoadFile(into.c_str()));
+        ReaderPtr reader(zRExifBeginRead(path.c_str()));
+        std::vector<RawTag> expected;
+        if (jpeg) {
+            ExifBuffer buffer = {};
+            if (zRExifGetExifMarker(reader.get(), &buffer) != 0) continue;
+            ASSERT_EQ(0, zExifInsertExifMarker(doc.get(), &buffer)) << path;
+            expected = AsSaved(source.tags);
+        } else {
+            TifTagList *list = nullptr;
+            if (zRExifGetTIFExifData(reader.get(), &list) != 0) continue;
+            ASSERT_EQ(0, zExifSetTIFExifData(doc.get(), list)) << path;
+            expected = AsSaved(ReadRaw(plainTiff).tags);
+            expected.push_back({"IFD0", 34665, 4, 1, {}});
+            for (const RawTag &t : source.tags) {
+                if (t.place == "IFD0/34665" && InExifTable(t.tag)) expected.push_back(t);
+            }
+        }
+        ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str())) << path;
+        EXPECT_EQ(expected, AsSaved(ReadRaw(ReadFile(into)).tags)) << path;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include "support/files.h"
+#include "support/oracle.h"
+
+namespace {
+
+constexpr int kGeneratedFiles = 60;
+
+TEST(RealFiles, LoadReadersAndSaveAgreeWithARawReading)
+{
+    SKIP_WITHOUT_SAMPLES();
+    for (const std::string &path : Samples()) CheckFile(ReadFile(path), ShortName(path));
+}
+
+TEST(RealFiles, EditsChangeWhatTheyAskAndNothingElse)
+{
+    SKIP_WITHOUT_SAMPLES();
+    for (const std::string &path : Samples()) CheckEdits(ReadFile(path), ShortName(path));
+}
+
+TEST(GeneratedFiles, LoadReadersAndSaveAgreeWithARawReading)
+{
+    for (int seed = 1; seed <= kGeneratedFiles; seed++) {
+        std::mt19937 rng{uint32_t(seed)};
+        CheckFile(CameraJpeg(Layout(RandomBlock(rng, false)), rng), "generated JPEG " + std::to_string(seed));
+        CheckFile(Layout(RandomBlock(rng, true)), "generated TIFF " + std::to_string(seed));
+    }
+}
+
+TEST(GeneratedFiles, EditsChangeWhatTheyAskAndNothingElse)
+{
+    for (int seed = 1; seed <= kGeneratedFiles; seed++) {
+        std::mt19937 rng{uint32_t(seed)};
+        CheckEdits(CameraJpeg(Layout(RandomBlock(rng, false)), rng), "generated JPEG " + std::to_string(seed));
+        CheckEdits(Layout(RandomBlock(rng, true)), "generated TIFF " + std::to_string(seed));
+    }
+    std::mt19937 rng(7);
+    CheckEdits(CameraJpeg({}, rng), "JPEG without Exif");
+}
+
+}  // namespace

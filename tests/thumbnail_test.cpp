@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "support/files.h"
+#include "support/tree_records.h"
+
+namespace {
+
+const Entry kMake = Ascii(271, "Cam");
+// The IFDs a new thumbnail gets: a minimal IFD 0 where there is none, and
+// the thumbnail's own (a reduced image in a TIFF file).
+const std::vector<Entry> kIfd0 = {Rational(282, 72, 1), Rational(283, 72, 1), Short(296, 2)};
+const std::vector<Entry> kThumbIfd = {Short(259, 6), Rational(282, 72, 1), Rational(283, 72, 1), Short(296, 2),
+                                      Long(513, 0), Long(514, 0)};
+
+std::vector<RawTag> Tags(const std::vector<std::pair<std::string, std::vector<Entry>>> &ifds)
+{
+    std::vector<RawTag> tags;
+    for (const auto &ifd : ifds) {
+        for (const Entry &e : ifd.second) tags.push_back({ifd.first, e.tag, e.type, e.count, e.value});
+    }
+    return AsSaved(tags);
+}
+
+std::vector<Entry> Plus(Entry first, std::vector<Entry> rest)
+{
+    rest.insert(rest.begin(), first);
+    return rest;
+}
+
+Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Bytes> &blobs = {})
+{
+    std::mt19937 rng{2};
+    return CameraJpeg(chain.empty() ? Bytes{} : Layout({false, chain, {}, blobs}), rng);
+}
+
+Bytes TiffOf(std::vector<Ifd> chain)
+{
+    chain[0].insert(chain[0].end(), {Short(256, 4), OffsetsOf(273, {0}), Long(279, 16)});
+    std::sort(chain[0].begin(), chain[0].end(), [](const Entry &a, const Entry &b) { return a.tag < b.tag; });
+    return Layout({false, chain, {}, {Bytes(16, 3)}});
+}
+
+Bytes Thumbnail(const CExifDoc *doc)
+{
+    ExifBuffer out = {};
+    if (zExifGetThumbnailData(const_cast<CExifDoc *>(doc), &out) != 0) return {};
+    Bytes bytes(out.data, out.data + out.size);
+    std::free(out.data);
+    return bytes;
+}
+
+struct ThumbCase {
+    const char *name;
+    Bytes file;
+    std::vector<RawTag> tags;  // after the thumbnail is set
+};
+
+const ThumbCase kCases[] = {
+    {"a JPEG without Exif gets an APP1 with IFD 0 and IFD 1", JpegOf({}), Tags({{"IFD0", kIfd0}, {"IFD1", kThumbIfd}})},
+    {"a JPEG's IFD 0 gets an IFD 1 behind it", JpegOf({{kMake}}), Tags({{"IFD0", {kMake}}, {"IFD1", kThumbIfd}})},
+    {"a JPEG's IFD 1 without thumbnail gives way", JpegOf({{kMake}, {Short(300, 1)}, {Short(301, 1)}}),
+     Tags({{"IFD0", {kMake}}, {"IFD1", kThumbIfd}})},
+    {"a JPEG's thumbnail is replaced where it stands",
+     JpegOf({{kMake}, {OffsetsOf(513, {0}), Long(514, 100), Short(700, 1)}}, {ThumbnailBytes(100)}),
+     Tags({{"IFD0", {kMake}}, {"IFD1", {Long(513, 0), Long(514, 0), Short(700, 1)}}})},
+    {"a TIFF gets a reduced image as IFD 1", TiffOf({{kMake}}),
+     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", Plus(Long(254, 1), kThumbIfd)}})},
+    {"a TIFF's second page moves behind the new IFD 1", TiffOf({{kMake}, {Long(254, 0)}}),
+     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}},
+           {"IFD1", Plus(Long(254, 1), kThumbIfd)},
+           {"IFD2", {Long(254, 0)}}})},
+    {"a TIFF's reduced IFD 1 is rebuilt", TiffOf({{kMake}, {Long(254, 1), Short(300, 1)}}),
+     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", Plus(Long(254, 1), kThumbIfd)}})},
+};
+
+// The thumbnail goes where a reader of the saved file finds it, with the
+// IFDs it needs; both families hand it out, before and after the save.
+TEST(SetThumbnail, MakesTheIfdsItNeedsAndComesBack)
+{
+    for (const ThumbCase &c : kCases) {
+        TempDir dir;
+        DocPtr doc(zExifLoadFile(dir.Write("photo", c.file).c_str()));
+        ASSERT_NE(nullptr, doc) << c.name;
+        Bytes thumb = ThumbnailBytes(2000, 4);
+        ExifBuffer buffer = {thumb.data(), uint32_t(thumb.size())};
+        ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &buffer)) << c.name;
+        thumb.assign(thumb.size(), 0);
+        thumb = ThumbnailBytes(2000, 4);
+        EXPECT_EQ(1, zExifIsThumbnailExist(doc.get())) << c.name;
+        EXPECT_EQ(uint32_t(THUMB_TYPE_JPEG), zExifGetThumbType(doc.get())) << c.name;
+        EXPECT_EQ(thumb, Thumbnail(doc.get())) << c.name;
+        EXPECT_EQ(c.tags, AsSaved(TreeTags(*doc))) << c.name;
+        std::string saved = dir.Path("saved");
+        ASSERT_EQ(0, zExifSaveFile(doc.get(), saved.c_str())) << c.name;
+        EXPECT_EQ(thumb, Thumbnail(doc.get())) << c.name << ": after the save";
+        RawFile raw = ReadRaw(ReadFile(saved));
+        EXPECT_EQ(c.tags, AsSaved(raw.tags)) << c.name;
+        EXPECT_EQ(thumb, raw.thumbnail) << c.name;
+        ReaderPtr reader(zRExifBeginRead(saved.c_str()));
+        ExifBuffer fromReader = {};
+        ASSERT_EQ(0, zRExifGetThumbnailData(reader.get(), &fromReader)) << c.name;
+        EXPECT_EQ(thumb, Bytes(fromReader.data, fromReader.data + fromReader.size)) << c.name;
+    }
+}
+
+// The APP1 must stay within one segment: a thumbnail for a new APP1 may take
+// 63,500 bytes, and the payload of an APP1 that stands may grow to 63,900.
+TEST(SetThumbnail, SizeBoundsAreExact)
+{
+    TempDir dir;
+    std::string plain = dir.Write("plain.jpg", JpegOf({}));
+    for (uint32_t size : {63500u, 63501u}) {
+        DocPtr doc(zExifLoadFile(plain.c_str()));
+        Bytes thumb = ThumbnailBytes(size);
+        ExifBuffer buffer = {thumb.data(), size};
+        EXPECT_EQ(size <= 63500 ? 0 : -1, zExifSetThumbnailData(doc.get(), &buffer)) << size;
+    }
+    std::string small = dir.Write("small.jpg", JpegOf({{kMake}, {OffsetsOf(513, {0}), Long(514, 100)}}, {ThumbnailBytes(100)}));
+    for (const std::string &path : {plain, small}) {
+        auto replace = [&](uint32_t size, const char *saveTo) {
+            DocPtr doc(zExifLoadFile(path.c_str()));
+            Bytes first = ThumbnailBytes(10), thumb = ThumbnailBytes(size);
+            ExifBuffer buffer = {first.data(), 10};
+            if (path == plain) zExifSetThumbnailData(doc.get(), &buffer);
+            buffer = {thumb.data(), size};
+            int result = zExifSetThumbnailData(doc.get(), &buffer);
+            if (result == 0 && saveTo != nullptr) result = zExifSaveFile(doc.get(), saveTo);
+            return result == 0;
+        };
+        uint32_t fits = 60000, tooLarge = 63900;
+        while (tooLarge - fits > 1) {
+            uint32_t middle = (fits + tooLarge) / 2;
+            (replace(middle, nullptr) ? fits : tooLarge) = middle;
+        }
+        ASSERT_TRUE(replace(fits, dir.Path("out.jpg").c_str()));
+        int64_t payload = 0;
+        for (const RawSegment &s : ReadRaw(ReadFile(dir.Path("out.jpg"))).segments) {
+            if (s.code == 0xE1) payload = s.size;
+        }
+        EXPECT_EQ(63900, payload) << path << ": the largest payload a thumbnail may make";
+    }
+}
+
+TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
+{
+    TempDir dir;
+    DocPtr doc(zExifLoadFile(dir.Write("photo.jpg", JpegOf({{kMake}})).c_str()));
+    uint8_t byte = 0xFF;
+    ExifBuffer empty = {&byte, 0}, null = {nullptr, 1}, one = {&byte, 1};
+    EXPECT_EQ(-1, zExifSetThumbnailData(doc.get(), &empty));
+    EXPECT_EQ(-1, zExifSetThumbnailData(doc.get(), &null));
+    EXPECT_EQ(-1, zExifSetThumbnailData(doc.get(), nullptr));
+    EXPECT_EQ(-1, zExifSetThumbnailData(nullptr, &one));
+    EXPECT_EQ(-1, zExifSetThumbDataEx(doc.get(), &one, THUMB_TYPE_JPEG));
+    EXPECT_EQ(0, zExifIsThumbnailExist(doc.get()));
+    ExifBuffer out = {&byte, 1};
+    EXPECT_EQ(-1, zExifGetThumbnailData(doc.get(), &out));
+    ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &one));
+    EXPECT_EQ(-1, zExifGetThumbDataEx(doc.get(), &out, 0x400));
+    ASSERT_EQ(0, zExifGetThumbDataEx(doc.get(), &out, THUMB_TYPE_JPEG));
+    EXPECT_EQ(Bytes{0xFF}, Bytes(out.data, out.data + out.size));
+    std::free(out.data);
+}
+
+// A thumbnail read from the source stays in memory: the document serves it,
+// and saves it, once the source is closed.
+TEST(GetThumbnail, ComesFromTheSourceOnceAndStays)
+{
+    TempDir dir;
+    Bytes thumb = ThumbnailBytes(300, 8);
+    std::string path = dir.Write("photo.jpg", JpegOf({{kMake}, {OffsetsOf(513, {0}), Long(514, 300)}}, {thumb}));
+    DocPtr doc(zExifLoadFile(path.c_str()));
+    EXPECT_EQ(thumb, Thumbnail(doc.get()));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str()));
+    EXPECT_EQ(thumb, Thumbnail(doc.get()));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("again.jpg").c_str()));
+    EXPECT_EQ(thumb, ReadRaw(ReadFile(dir.Path("again.jpg"))).thumbnail);
+}
+
+}  // namespace

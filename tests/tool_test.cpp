@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "support/files.h"
+#include "support/tree_records.h"
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string Quoted(const std::string &text)
+{
+    std::string quoted = "'";
+    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+std::string Text(const std::string &path)
+{
+    Bytes bytes = ReadFile(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// Runs the tool with its output caught; a death by signal gives -1.
+ToolRun Tool(const std::vector<std::string> &arguments)
+{
+    TempDir dir;
+    std::string line = Quoted(ZEXIF_TOOL_PATH);
+    for (const std::string &argument : arguments) line += " " + Quoted(argument);
+    line += " >" + Quoted(dir.Path("out")) + " 2>" + Quoted(dir.Path("err")) + " </dev/null";
+    int wait = std::system(line.c_str());
+    return {WIFEXITED(wait) ? WEXITSTATUS(wait) : -1, Text(dir.Path("out")), Text(dir.Path("err"))};
+}
+
+std::string Golden(const std::string &name)
+{
+    return Text(std::string(ZEXIF_GOLDEN_DIR) + "/" + name);
+}
+
+std::string Replaced(std::string text, const std::string &from, const std::string &to)
+{
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+// Values of every kind, as a camera and an editor leave them.
+Bytes ValueKinds()
+{
+    Block block;
+    block.chain = {{Ascii(270, "Caf\xc3\xa9 \"quoted\"\n"), Ascii(271, "Maker"), Short(274, 6), Rational(282, 300, 1),
+                    Short(296, 2), Typed(700, 1, 6, {1, 2, 3, 4, 5, 6}), Typed(33550, 12, 1, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}),
+                    PointerTo(34665, 0), PointerTo(34853, 1)}};
+    block.subs = {{Rational(33434, 1, 250), Rational(33437, 28, 10), Short(34855, 400), Ascii(36867, "2024:02:29 23:59:59"),
+                   Typed(37377, 10, 1, {0xFD, 0xFF, 0xFF, 0xFF, 3, 0, 0, 0}), Typed(37500, 7, 5, {'N', 'i', 0, 0xFF, 7}),
+                   Typed(37510, 7, 12, {'A', 'S', 'C', 'I', 'I', 0, 0, 0, 'H', 'e', 'y', '!'}),
+                   Typed(41728, 7, 1, {3}), Typed(50000, 11, 1, {0, 0, 0xC0, 0x3F})},
+                  {Typed(0, 1, 4, {2, 3, 0, 0}), Ascii(1, "N"),
+                   Typed(2, 5, 3, {48, 0, 0, 0, 1, 0, 0, 0, 51, 0, 0, 0, 1, 0, 0, 0, 30, 0, 0, 0, 1, 0, 0, 0}),
+                   Ascii(3, "W"), Typed(4, 5, 3, {2, 0, 0, 0, 1, 0, 0, 0, 20, 0, 0, 0, 1, 0, 0, 0, 15, 0, 0, 0, 2, 0, 0, 0})}};
+    return Layout(block);
+}
+
+// The dump of the bundled sample and of values of every kind, in text and
+// JSON, read as a person and a program would want them.
+TEST(Tool, DumpsAsTheGoldenFilesShow)
+{
+    ToolRun sample = Tool({});
+    EXPECT_EQ(0, sample.status);
+    EXPECT_EQ(Golden("sample.txt"), Replaced(sample.out, ZEXIF_SAMPLE_JPEG, "SAMPLE"));
+    TempDir dir;
+    std::string path = dir.Write("kinds.tif", ValueKinds());
+    EXPECT_EQ(Golden("kinds.txt"), Replaced(Tool({"dump", path}).out, path, "FILE"));
+    EXPECT_EQ(Golden("kinds.json"), Replaced(Tool({"dump", path, "--json"}).out, path, "FILE"));
+    std::string info = Replaced(Tool({"info", path, ZEXIF_SAMPLE_JPEG}).out, path, "FILE");
+    EXPECT_EQ(Golden("info.txt"), Replaced(info, ZEXIF_SAMPLE_JPEG, "SAMPLE"));
+}
+
+std::string Tag(const std::string &path, uint32_t tag)
+{
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    ExifTagValue value = {};
+    if (zRExifGetTag(reader.get(), tag, &value) != 0) return "none";
+    Bytes bytes = ValueBytes(value);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// Each command on a copy of the sample does what it says, as the library
+// reads the file afterwards.
+TEST(Tool, CommandsChangeWhatTheySay)
+{
+    TempDir dir;
+    std::string photo = dir.Write("photo.jpg", ReadFile(ZEXIF_SAMPLE_JPEG));
+    EXPECT_EQ("zExifLib\n", Tool({"get", photo, "Make"}).out);
+    EXPECT_EQ("zExifLib\n", Tool({"get", photo, "0x10f"}).out);
+    EXPECT_EQ(0, Tool({"set", photo, "Model", "ascii", "Second"}).status);
+    EXPECT_EQ(std::string("Second", 7), Tag(photo, 272));
+    EXPECT_EQ(0, Tool({"set", photo, "36868", "ascii", "2001:02:03 04:05:06"}).status);
+    EXPECT_EQ(std::string("2001:02:03 04:05:06", 20), Tag(photo, 36868));
+    EXPECT_EQ(0, Tool({"delete", photo, "Make"}).status);
+    EXPECT_EQ("none", Tag(photo, 271));
+
+    EXPECT_EQ(0, Tool({"thumbnail", "extract", photo, dir.Path("thumb.jpg")}).status);
+    Bytes thumb = ReadFile(dir.Path("thumb.jpg"));
+    EXPECT_EQ(645u, thumb.size());
+    dir.Write("new.jpg", ThumbnailBytes(900));
+    EXPECT_EQ(0, Tool({"thumbnail", "set", photo, dir.Path("new.jpg"), "-o", dir.Path("out.jpg")}).status);
+    EXPECT_EQ(ThumbnailBytes(900), ReadRaw(ReadFile(dir.Path("out.jpg"))).thumbnail);
+
+    Bytes wave = {'R', 'I', 'F', 'F', 8, 0, 0, 0, 'W', 'A', 'V', 'E', 1, 2, 3, 4};
+    EXPECT_EQ(0, Tool({"audio", "set", photo, dir.Write("in.wav", wave)}).status);
+    EXPECT_EQ(0, Tool({"audio", "extract", photo, dir.Path("out.wav")}).status);
+    EXPECT_EQ(wave, ReadFile(dir.Path("out.wav")));
+    EXPECT_EQ(0, Tool({"audio", "remove", photo}).status);
+    EXPECT_EQ(1, Tool({"audio", "extract", photo, dir.Path("none.wav")}).status);
+
+    std::mt19937 rng{1};
+    std::string plain = dir.Write("plain.jpg", CameraJpeg({}, rng));
+    EXPECT_EQ(0, Tool({"copy-exif", photo, plain}).status);
+    EXPECT_EQ(std::string("Second", 7), Tag(plain, 272));
+    EXPECT_EQ(0, Tool({"strip", photo}).status);
+    EXPECT_EQ("none", Tag(photo, 272));
+    EXPECT_EQ(0, Tool({"remove-marker", plain, "0xE1"}).status);
+    EXPECT_EQ("none", Tag(plain, 272));
+}
+
+// Misuse gets a pointer to the help and 2, a file that can't be handled one line on
+// standard error and 1; every real file dumps.
+TEST(Tool, FailuresAreToldAndCounted)
+{
+    for (const std::vector<std::string> &arguments :
+         std::vector<std::vector<std::string>>{{"frobnicate"}, {"get"}, {"set", "x.jpg", "Make"}, {"thumbnail", "eat", "x"}}) {
+        ToolRun run = Tool(arguments);
+        EXPECT_EQ(2, run.status) << arguments[0];
+        EXPECT_NE(std::string::npos, run.err.find("--help")) << arguments[0];
+    }
+    TempDir dir;
+    for (const std::string &path : {dir.Path("missing.jpg"), dir.Write("text.jpg", {'h', 'i'})}) {
+        ToolRun run = Tool({"dump", path});
+        EXPECT_EQ(1, run.status) << path;
+        EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
+    }
+    for (const std::string &path : Samples()) {
+        ToolRun run = Tool({"dump", path, "--json"});
+        EXPECT_EQ(0, run.status) << path << run.err;
+    }
+}
+
+}  // namespace
