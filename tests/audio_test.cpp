@@ -81,6 +81,12 @@ const AudioCase kCases[] = {
     {"a continuation too short for its header is passed over",
      {Head(First100(kAudio)), {0xE2, {'F', 'P', 'X', 'R', 0, 0, 2, 0, 4}}, Continuation(Part(kAudio, 100, 300))}, kAudio,
      1},
+    {"many short continuations",
+     {Head(Part(kAudio, 0, 20)), Continuation(Part(kAudio, 20, 30)), Continuation(Part(kAudio, 30, 40)),
+      Continuation(Part(kAudio, 40, 50)), Continuation(Part(kAudio, 50, 60)), Continuation(Part(kAudio, 60, 300))},
+     kAudio, 0},
+    {"an empty continuation belongs to the stream",
+     {Head(First100(kAudio)), Continuation({}), Continuation(Part(kAudio, 100, 300))}, kAudio, 0},
     {"a segment cut by the end of the file gives what came", {Head(First100(kAudio)), Continuation(Part(kAudio, 100, 300))},
      Part(kAudio, 0, 250), 0, 50},
 };

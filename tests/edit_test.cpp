@@ -160,6 +160,7 @@ TEST(TagEdits, ValuesComeBackAsTheyWereSet)
             EXPECT_EQ(count, got.count);
             for (size_t i = 0; i < bytes.size(); i++) bytes[i] = uint8_t(i * 31 + type);
             EXPECT_EQ(bytes, ValueBytes(got)) << "type " << type << " count " << count;
+            if (count == 0 && type <= 12) EXPECT_EQ(nullptr, got.data) << "a value of no bytes is null";
             if (got.data != &value) std::free(got.data);
             if (type == 13) EXPECT_EQ(&value, got.data) << "a type outside 1 to 12 has no bytes to hand out";
         }

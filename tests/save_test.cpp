@@ -126,7 +126,8 @@ TEST(TempFile, IsNamedAfterTheTargetAndNeverTakesAFile)
 }
 
 // Where a rename can't cross file systems, a copy beside the target is
-// renamed over it; a copy onto a directory fails and leaves nothing.
+// renamed over it; a copy onto a directory or from a file that is gone fails
+// and leaves nothing.
 TEST(TempFile, ReplaceByCopy)
 {
     TempDir dir;
@@ -136,16 +137,21 @@ TEST(TempFile, ReplaceByCopy)
     EXPECT_EQ((Bytes{'n', 'e', 'w'}), ReadFile(target));
     ASSERT_EQ(0, mkdir(dir.Path("folder").c_str(), 0755));
     EXPECT_EQ(0, ReplaceByCopy(temp, dir.Path("folder")));
+    EXPECT_EQ(0, ReplaceByCopy(dir.Path("missing"), target));
+    EXPECT_EQ((Bytes{'n', 'e', 'w'}), ReadFile(target));
     EXPECT_EQ((std::vector<std::string>{"folder", "new.$#$", "photo.jpg"}), dir.List());
 }
 
-// A JPEG without Exif is written byte for byte; a big-endian TIFF whose
-// samples are wider than a byte can't be turned little-endian and fails.
+// A JPEG without Exif is written byte for byte, a segment of the longest
+// length included; a big-endian TIFF whose samples are wider than a byte
+// can't be turned little-endian and fails.
 TEST(Save, CopiesWhatItDoesNotRebuild)
 {
     TempDir dir;
     std::mt19937 rng{8};
     Bytes plain = CameraJpeg({}, rng);
+    plain.insert(plain.begin() + 2, {0xFF, 0xFE, 0xFF, 0xFF});
+    plain.insert(plain.begin() + 6, 65533, 'c');
     DocPtr doc(zExifLoadFile(dir.Write("plain.jpg", plain).c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.jpg").c_str()));
     EXPECT_EQ(plain, ReadFile(dir.Path("out.jpg")));

@@ -180,4 +180,27 @@ TEST(GetThumbnail, ComesFromTheSourceOnceAndStays)
     EXPECT_EQ(thumb, ReadRaw(ReadFile(dir.Path("again.jpg"))).thumbnail);
 }
 
+// A thumbnail offset without its length, or one whose bytes the file
+// doesn't hold, is no thumbnail: asking for it fails, before a save and
+// after, and the save leaves the two tags out.
+TEST(GetThumbnail, WhatTheFileDoesNotHoldIsNone)
+{
+    const Ifd broken[] = {{Short(259, 6), Long(513, 8)}, {Short(259, 6), Long(513, 8), Long(514, 100000)}};
+    for (const Ifd &ifd1 : broken) {
+        for (bool tiff : {false, true}) {
+            TempDir dir;
+            std::string path = dir.Write("photo", tiff ? TiffOf({{kMake}, ifd1}) : JpegOf({{kMake}, ifd1}));
+            DocPtr doc(zExifLoadFile(path.c_str()));
+            EXPECT_EQ(Bytes{}, Thumbnail(doc.get()));
+            ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("saved").c_str()));
+            EXPECT_EQ(Bytes{}, Thumbnail(doc.get()));
+            std::vector<RawTag> ifd1Saved;
+            for (const RawTag &t : ReadRaw(ReadFile(dir.Path("saved"))).tags) {
+                if (t.place == "IFD1") ifd1Saved.push_back(t);
+            }
+            EXPECT_EQ((std::vector<RawTag>{{"IFD1", 259, 3, 1, {6, 0}}}), ifd1Saved) << tiff;
+        }
+    }
+}
+
 }  // namespace

@@ -165,9 +165,10 @@ void SortIfd(Ifd &ifd)
     std::stable_sort(ifd.begin(), ifd.end(), [](const Entry &a, const Entry &b) { return a.tag < b.tag; });
 }
 
-// An image of a few strips in blobs, described in ifd.
+// An image of a few strips, or tiles, in blobs, described in ifd.
 void AddStrips(Block &block, Ifd &ifd, std::mt19937 &rng)
 {
+    bool tiles = Pick(rng, 3) == 0;
     int strips = 1 + Pick(rng, 4);
     std::vector<int> blobs;
     Bytes counts;
@@ -179,8 +180,8 @@ void AddStrips(Block &block, Ifd &ifd, std::mt19937 &rng)
     ifd.push_back(Short(256, 16));
     ifd.push_back(Short(257, uint16_t(strips)));
     ifd.push_back(Short(258, 8));
-    ifd.push_back(OffsetsOf(273, blobs));
-    ifd.push_back(Typed(279, 4, uint32_t(strips), counts));
+    ifd.push_back(OffsetsOf(tiles ? 324 : 273, blobs));
+    ifd.push_back(Typed(tiles ? 325 : 279, 4, uint32_t(strips), counts));
 }
 
 Ifd ThumbnailIfd(Block &block, std::mt19937 &rng, bool withSubfile)
@@ -314,13 +315,13 @@ Bytes ScanData(std::mt19937 &rng, size_t size)
     return out;
 }
 
-// Bytes between segments that count as image data: fill, stuffed bytes and
-// the markers that have no length.
+// Bytes between segments that count as image data: fill, a stuffed byte and
+// each marker that has no length.
 Bytes DataBetweenSegments(std::mt19937 &rng)
 {
     static const uint8_t codes[] = {0x00, 0xD0, 0xD1, 0xD2, 0xD3, 0xD4, 0xD5, 0xD6, 0xD7, 0xDC, 0xDE, 0xDF};
     Bytes out = {uint8_t(rng() % 0xFF)};
-    for (int i = Pick(rng, 3); i >= 0; i--) out.insert(out.end(), {0xFF, codes[Pick(rng, 12)], uint8_t(rng() % 0xFF)});
+    for (uint8_t code : codes) out.insert(out.end(), {0xFF, code, uint8_t(rng() % 0xFF)});
     return out;
 }
 

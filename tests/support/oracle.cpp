@@ -190,6 +190,11 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
     EXPECT_EQ(CopiedSegments(file, raw), CopiedSegments(saved, again)) << label;
     EXPECT_EQ(raw.thumbnail, again.thumbnail) << label;
     EXPECT_EQ(raw.images, again.images) << label;
+    uint32_t exifAt = 0, gpsAt = 0;
+    for (const RawTag &t : again.tags) {
+        if (t.place == "IFD0" && (t.tag == 34665 || t.tag == 34853)) (t.tag == 34665 ? exifAt : gpsAt) = FirstNumber(t);
+    }
+    if (exifAt != 0 && gpsAt != 0) EXPECT_LT(exifAt, gpsAt) << label << ": the Exif IFD goes first";
     DocPtr reloaded(zExifLoadFile(out.c_str()));
     ASSERT_NE(nullptr, reloaded) << label;
     EXPECT_EQ(again.tags, TreeTags(*reloaded)) << label;
@@ -306,7 +311,9 @@ void CheckFile(const Bytes &bytes, const std::string &label)
         CheckReader(path, bytes, raw, label);
     }
     ExifBuffer thumb = {};
-    if (zExifIsThumbnailExist(doc.get()) && zExifGetThumbnailData(doc.get(), &thumb) == 0) {
+    if (!raw.thumbnail.empty()) {
+        EXPECT_EQ(1, zExifIsThumbnailExist(doc.get())) << label;
+        ASSERT_EQ(0, zExifGetThumbnailData(doc.get(), &thumb)) << label;
         EXPECT_EQ(raw.thumbnail, Bytes(thumb.data, thumb.data + thumb.size)) << label;
         std::free(thumb.data);
     }

@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include "support/files.h"
+#include "support/tree_records.h"
+
+namespace {
+
+Bytes ExifSegment(const Ifd &ifd0, const std::vector<Ifd> &subs = {})
+{
+    Bytes payload = ExifPayload(Layout({false, {ifd0}, subs, {}}));
+    Bytes segment = {0xFF, 0xE1, uint8_t((payload.size() + 2) >> 8), uint8_t(payload.size() + 2)};
+    segment.insert(segment.end(), payload.begin(), payload.end());
+    return segment;
+}
+
+Bytes JpegOfPieces(const std::vector<Bytes> &pieces)
+{
+    Bytes file = {0xFF, 0xD8};
+    for (const Bytes &piece : pieces) file.insert(file.end(), piece.begin(), piece.end());
+    file.insert(file.end(), {0xFF, 0xD9});
+    return file;
+}
+
+const Bytes kSos = {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 0x3F, 0, 1, 2, 3};
+
+struct ReaderCase {
+    const char *name;
+    Bytes file;
+    // Tags asked in this order, with the text of their values ("-" for -1).
+    std::vector<std::pair<uint32_t, std::string>> answers;
+};
+
+const ReaderCase kCases[] = {
+    {"a wanted scan keeps the inline values of the five it passes and fetches none of theirs",
+     JpegOfPieces({ExifSegment({PointerTo(34665, 0)},
+                               {{Ascii(270, "A long description"), Ascii(306, "ab"), Typed(37500, 7, 5, {'n', 'o', 't', 'e', 's'})}})}),
+     {{37500, "notes"}, {270, "-"}, {306, std::string("ab", 3)}, {36867, "-"}}},
+    {"of two Exif segments the last counts",
+     JpegOfPieces({ExifSegment({Ascii(271, "First")}), ExifSegment({Ascii(271, "Second")})}),
+     {{271, std::string("Second", 7)}}},
+    {"an Exif segment behind the first scan is not seen", JpegOfPieces({kSos, ExifSegment({Ascii(271, "Late")})}),
+     {{271, "-"}}},
+    {"segments of length 0 and 1 are stepped over",
+     JpegOfPieces({{0xFF, 0xE5, 0, 0}, {0xFF, 0xE6, 0, 1}, ExifSegment({Ascii(271, "Found")})}),
+     {{271, std::string("Found", 6)}}},
+};
+
+std::string Answer(CExifReader *reader, uint32_t tag)
+{
+    ExifTagValue value = {};
+    if (zRExifGetTag(reader, tag, &value) != 0) return "-";
+    Bytes bytes = ValueBytes(value);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+TEST(Reader, AnswersWhatItsScansMet)
+{
+    for (const ReaderCase &c : kCases) {
+        TempDir dir;
+        ReaderPtr reader(zRExifBeginRead(dir.Write("photo.jpg", c.file).c_str()));
+        ASSERT_NE(nullptr, reader) << c.name;
+        for (const auto &answer : c.answers) EXPECT_EQ(answer.second, Answer(reader.get(), answer.first)) << c.name;
+    }
+}
+
+// Every value handed out stays where it is, unchanged, until the reader
+// ends, whatever is asked in between.
+TEST(Reader, ValuesHandedOutStayValid)
+{
+    TempDir dir;
+    Block block{true,
+                {{Ascii(271, "Camera maker"), Ascii(272, "Model"), Short(274, 8), PointerTo(34665, 0)},
+                 {OffsetsOf(513, {0}), Long(514, 400)}},
+                {{Rational(33434, 1, 8), Ascii(36867, "2001:01:01 01:01:01"), Typed(37500, 7, 40, Bytes(40, 9))}},
+                {ThumbnailBytes(400)}};
+    std::mt19937 rng{2};
+    std::string path = dir.Write("photo.jpg", CameraJpeg(Layout(block), rng));
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    std::vector<std::pair<ExifTagValue, Bytes>> handedOut;
+    for (int round = 0; round < 2; round++) {
+        for (const RawTag &t : ReadRaw(ReadFile(path)).tags) {
+            ExifTagValue value = {};
+            if (zRExifGetTag(reader.get(), t.tag, &value) == 0) handedOut.push_back({value, ValueBytes(value)});
+        }
+        ExifBuffer thumb = {};
+        if (zRExifGetThumbnailData(reader.get(), &thumb) == 0) {
+            handedOut.push_back({{7, thumb.size, thumb.data}, Bytes(thumb.data, thumb.data + thumb.size)});
+        }
+    }
+    ASSERT_GT(handedOut.size(), 4u);
+    for (const auto &value : handedOut) EXPECT_EQ(value.second, ValueBytes(value.first));
+    for (size_t i = 0; i < handedOut.size() / 2; i++) EXPECT_EQ(handedOut[i].first.data, handedOut[i + handedOut.size() / 2].first.data);
+}
+
+TEST(Reader, NullsAndUnknownFilesGetFailures)
+{
+    ExifTagValue value = {};
+    ExifBuffer buffer = {};
+    TifTagList *list = nullptr;
+    EXPECT_EQ(0, zRExifGetFileFormat(nullptr));
+    EXPECT_EQ(0, zRExifIsExifExist(nullptr));
+    EXPECT_EQ(0, zRExifIsThumbnailExist(nullptr));
+    EXPECT_EQ(0, zRExifIsAudioExist(nullptr));
+    EXPECT_EQ(-1, zRExifGetTag(nullptr, 271, &value));
+    EXPECT_EQ(-1, zRExifGetThumbnailData(nullptr, &buffer));
+    EXPECT_EQ(-1, zRExifGetExifMarker(nullptr, &buffer));
+    EXPECT_EQ(-1, zRExifGetTIFExifData(nullptr, &list));
+    EXPECT_EQ(-1, zRExifGetAudioFile(nullptr, "/tmp/x.wav"));
+    zRExifEndRead(nullptr);
+    TempDir dir;
+    for (const Bytes &file : {Bytes{}, Bytes{0xFF}, Bytes{'I', 'M', 42, 0}, Bytes{0xFF, 0xD9, 0xFF, 0xD8}, Bytes{'G', 'I', 'F', '8'}}) {
+        EXPECT_EQ(nullptr, zRExifBeginRead(dir.Write("file", file).c_str()));
+    }
+    EXPECT_EQ(nullptr, zRExifBeginRead(dir.Path("missing").c_str()));
+    ReaderPtr bare(zRExifBeginRead(dir.Write("bare.jpg", {0xFF, 0xD8}).c_str()));
+    ASSERT_NE(nullptr, bare);
+    EXPECT_EQ(FORMAT_JPEG, zRExifGetFileFormat(bare.get()));
+    EXPECT_EQ(0, zRExifIsExifExist(bare.get()));
+    EXPECT_EQ(-1, zRExifGetTag(bare.get(), 271, nullptr));
+    EXPECT_EQ(-1, zRExifGetThumbnailData(bare.get(), nullptr));
+}
+
+}  // namespace
