@@ -163,4 +163,20 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
     }
 }
 
+// A strip may lie anywhere in the file, its first byte included; strip tags
+// that can't describe strips (an offset beyond 31 bits) fail the save rather
+// than be copied with offsets that point nowhere.
+TEST(Save, StripsAreCarriedWhereverTheyLie)
+{
+    TempDir dir;
+    Bytes tiff = Layout({false, {{Long(273, 0), Long(279, 8)}}, {}, {}});
+    DocPtr doc(zExifLoadFile(dir.Write("head.tif", tiff).c_str()));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.tif").c_str()));
+    EXPECT_EQ(std::vector<Bytes>{Bytes(tiff.begin(), tiff.begin() + 8)}, ReadRaw(ReadFile(dir.Path("out.tif"))).images);
+    std::mt19937 rng{3};
+    Bytes jpeg = CameraJpeg(Layout({false, {{Short(274, 1)}, {Long(273, 0x80000000), Long(279, 10)}}, {}, {}}), rng);
+    DocPtr far(zExifLoadFile(dir.Write("far.jpg", jpeg).c_str()));
+    EXPECT_EQ(-1, zExifSaveFile(far.get(), dir.Path("out.jpg").c_str()));
+}
+
 }  // namespace

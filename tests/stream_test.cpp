@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <memory>
 
 #include "platform/utf16.h"
@@ -176,6 +178,25 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     zRExifEndRead(reader);
     EXPECT_EQ(nullptr, zExifLoadFile(Utf16Of(wide + u"missing.jpg").data()));
     EXPECT_EQ(nullptr, zExifLoadFile(nullptr));
+}
+
+// A process may run without standard input: a file then opens as
+// descriptor 0, which is a file like any other.
+TEST(WidePath, FilesOpenAsDescriptorZero)
+{
+    TempDir dir;
+    std::mt19937 rng{1};
+    std::string path = dir.Write("photo.jpg", CameraJpeg(Layout({false, {{Ascii(271, "Cam")}}, {}, {}}), rng));
+    int saved = dup(0);
+    close(0);
+    CExifReader *reader = zRExifBeginRead(path.c_str());
+    EXPECT_NE(nullptr, reader);
+    zRExifEndRead(reader);
+    CCachedFileObj cached;
+    EXPECT_EQ(1, cached.Open(path.c_str()));
+    EXPECT_EQ(0, cached.Open(path.c_str()));
+    dup2(saved, 0);
+    close(saved);
 }
 
 }  // namespace

@@ -180,12 +180,14 @@ TEST(GetThumbnail, ComesFromTheSourceOnceAndStays)
     EXPECT_EQ(thumb, ReadRaw(ReadFile(dir.Path("again.jpg"))).thumbnail);
 }
 
-// A thumbnail offset without its length, or one whose bytes the file
-// doesn't hold, is no thumbnail: asking for it fails, before a save and
+// A thumbnail offset without its length, one whose bytes the file doesn't
+// hold, or an offset of 0, is no thumbnail: asking for it fails, before a save and
 // after, and the save leaves the two tags out.
 TEST(GetThumbnail, WhatTheFileDoesNotHoldIsNone)
 {
-    const Ifd broken[] = {{Short(259, 6), Long(513, 8)}, {Short(259, 6), Long(513, 8), Long(514, 100000)}};
+    const Ifd broken[] = {{Short(259, 6), Long(513, 8)},
+                          {Short(259, 6), Long(513, 8), Long(514, 100000)},
+                          {Short(259, 6), Long(513, 0), Long(514, 8)}};
     for (const Ifd &ifd1 : broken) {
         for (bool tiff : {false, true}) {
             TempDir dir;

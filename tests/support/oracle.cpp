@@ -134,6 +134,11 @@ void CheckReader(const std::string &path, const Bytes &file, const RawFile &raw,
     ReaderPtr reader(zRExifBeginRead(path.c_str()));
     ASSERT_NE(nullptr, reader) << label;
     EXPECT_EQ(raw.format, zRExifGetFileFormat(reader.get())) << label;
+    bool hasExif = std::any_of(raw.segments.begin(), raw.segments.end(), [&](const RawSegment &s) { return IsExifSegment(file, s); }) ||
+                std::any_of(raw.tags.begin(), raw.tags.end(), [](const RawTag &t) {
+                    return (t.tag == 34665 || t.tag == 34853) && t.count > 0 && IsChainPlace(t.place);
+                });
+    EXPECT_EQ(hasExif ? 1 : 0, zRExifIsExifExist(reader.get())) << label;
     bool thumbTag = std::any_of(raw.tags.begin(), raw.tags.end(), [&](const RawTag &t) {
         return t.tag == 513 && (raw.format == 2 ? IsChainPlace(t.place) : t.place == "IFD1");
     });
@@ -199,6 +204,10 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
     ASSERT_NE(nullptr, reloaded) << label;
     EXPECT_EQ(again.tags, TreeTags(*reloaded)) << label;
 
+    ExifBuffer thumb = {};
+    EXPECT_EQ(raw.thumbnail.empty() ? -1 : 0, zExifGetThumbnailData(doc, &thumb)) << label << ": after the save";
+    EXPECT_EQ(raw.thumbnail, Bytes(thumb.data, thumb.data + thumb.size)) << label << ": after the save";
+    std::free(thumb.data);
     std::string second = dir.Path("second");
     int result = zExifSaveFile(doc, second.c_str());
     EXPECT_EQ(raw.format == 1 || raw.images.empty() ? 0 : -1, result) << label;
@@ -304,6 +313,10 @@ void CheckFile(const Bytes &bytes, const std::string &label)
     ASSERT_EQ(raw.loads, doc != nullptr) << label;
     if (doc == nullptr) return;
     EXPECT_EQ(raw.format, zExifGetFileFormat(doc.get())) << label;
+    bool exifSegment = std::any_of(raw.segments.begin(), raw.segments.end(),
+                                   [&](const RawSegment &s) { return IsExifSegment(bytes, s); });
+    bool exifPointer = std::any_of(raw.tags.begin(), raw.tags.end(), [](const RawTag &t) { return t.tag == 34665; });
+    EXPECT_EQ(exifSegment || exifPointer ? 1 : 0, zExifIsExifExist(doc.get())) << label;
     EXPECT_EQ(raw.tags, TreeTags(*doc)) << label;
     EXPECT_EQ(raw.segments, TreeSegments(*doc)) << label;
     if (SingleBlock(raw.tags)) {
