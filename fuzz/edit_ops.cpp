@@ -1,11 +1,11 @@
 #include "fuzz/edit_ops.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "fuzz/fuzz_files.h"
+#include "reader/tif_tag_list.h"
 
 namespace {
 
@@ -79,24 +79,13 @@ void InsertExifMarker(CExifDoc *doc, const char *source)
     zRExifEndRead(reader);
 }
 
-// An Exif IFD without entries comes as a null list, which the import refuses.
-void ReleaseTagList(TifTagList *list)
-{
-    if (list == nullptr) return;
-    for (int32_t i = 0; i < list->count; i++) {
-        std::free(list->items[i]->data);
-        std::free(list->items[i]);
-    }
-    std::free(list->items);
-    std::free(list);
-}
-
 void ImportTiffExif(CExifDoc *doc, const char *source)
 {
     CExifReader *reader = zRExifBeginRead(source);
     if (reader == nullptr) return;
     TifTagList *list = nullptr;
-    if (zRExifGetTIFExifData(reader, &list) == 0 && zExifSetTIFExifData(doc, list) != 0) ReleaseTagList(list);
+    // An Exif IFD without entries comes as a null list, which the import refuses.
+    if (zRExifGetTIFExifData(reader, &list) == 0 && zExifSetTIFExifData(doc, list) != 0) FreeTifTagList(list);
     zRExifEndRead(reader);
 }
 

@@ -39,22 +39,12 @@ std::string Extension(const Bytes &file)
     return file[0] == 0xFF ? ".jpg" : ".tif";
 }
 
-std::string Describe(const ExifTagValue &value, int result)
-{
-    if (result != 0) return "";
-    Bytes bytes = ValueBytes(value);
-    return std::to_string(value.type) + ":" + std::string(bytes.begin(), bytes.end());
-}
-
 // A reader's answer to each question; "" where it gave none.
 std::vector<std::string> ReaderAnswers(const std::string &path)
 {
     ReaderPtr reader(zRExifBeginRead(path.c_str()));
     std::vector<std::string> answers = {std::to_string(zRExifGetFileFormat(reader.get()))};
-    for (uint32_t tag : {271u, 274u, 306u, 33434u, 36867u, 37500u}) {
-        ExifTagValue value = {};
-        answers.push_back(Describe(value, zRExifGetTag(reader.get(), tag, &value)));
-    }
+    for (uint32_t tag : {271u, 274u, 306u, 33434u, 36867u, 37500u}) answers.push_back(ReaderValue(reader.get(), tag));
     ExifBuffer buffer = {};
     int got = zRExifGetThumbnailData(reader.get(), &buffer);
     answers.push_back(got != 0 ? "" : std::string(buffer.data, buffer.data + buffer.size));
@@ -104,7 +94,7 @@ TEST(Faults, AReaderAnswersFewerButNeverWrong)
             std::vector<std::string> answers = ReaderAnswers(path);
             bool struck = window.Close();
             for (size_t i = 0; i < answers.size(); i++) {
-                if (answers[i] != "" && answers[i] != "0") EXPECT_EQ(clean[i], answers[i]) << i << " " << window.Describe(failAt);
+                if (answers[i] != "" && answers[i] != "-" && answers[i] != "0") EXPECT_EQ(clean[i], answers[i]) << i << " " << window.Describe(failAt);
             }
             return struck && !::testing::Test::HasFailure();
         });

@@ -163,8 +163,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     EXPECT_EQ(0, LooksLikeWidePath(""));
 
     TempDir dir;
-    std::mt19937 rng{1};
-    Bytes jpeg = CameraJpeg(Layout({false, {{Ascii(271, "Cam")}}, {}, {}}), rng);
+    Bytes jpeg = JpegOf({{Ascii(271, "Cam")}});
     std::string name = "\xf0\x9f\x98\x80 \xc3\xa9t\xc3\xa9.jpg";
     dir.Write(name, jpeg);
     std::u16string wide;
@@ -185,8 +184,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
 TEST(WidePath, FilesOpenAsDescriptorZero)
 {
     TempDir dir;
-    std::mt19937 rng{1};
-    std::string path = dir.Write("photo.jpg", CameraJpeg(Layout({false, {{Ascii(271, "Cam")}}, {}, {}}), rng));
+    std::string path = dir.Write("photo.jpg", JpegOf({{Ascii(271, "Cam")}}));
     int saved = dup(0);
     close(0);
     CExifReader *reader = zRExifBeginRead(path.c_str());

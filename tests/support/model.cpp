@@ -346,6 +346,12 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     return out;
 }
 
+Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs, const std::vector<Bytes> &blobs)
+{
+    std::mt19937 rng{5};
+    return CameraJpeg(chain.empty() ? Bytes{} : Layout({false, chain, subs, blobs}), rng);
+}
+
 Bytes ThumbnailBytes(size_t size, uint8_t seed)
 {
     Bytes out(size < 4 ? 4 : size, 0);

@@ -64,6 +64,9 @@ Bytes Jpeg(const std::vector<Segment> &segments, const Bytes &scan);
 // empty), tables, a frame, SOS, then scan data with stuffed bytes and
 // restart markers.
 Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng);
+// The same, always alike, around a little-endian block of these IFDs (no
+// APP1 when there are none).
+Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs = {}, const std::vector<Bytes> &blobs = {});
 Bytes ScanData(std::mt19937 &rng, size_t size);
 // A JPEG stream fit to be a thumbnail: SOI, filler, EOI.
 Bytes ThumbnailBytes(size_t size, uint8_t seed = 1);

@@ -80,3 +80,27 @@ Bytes ValueBytes(const ExifTagValue &value)
     const uint8_t *p = static_cast<const uint8_t *>(value.data);
     return Bytes(p, p + size);
 }
+
+Bytes DocThumbnail(CExifDoc *doc)
+{
+    ExifBuffer out = {};
+    if (zExifGetThumbnailData(doc, &out) != 0) return {};
+    Bytes bytes(out.data, out.data + out.size);
+    std::free(out.data);
+    return bytes;
+}
+
+std::string ReaderValue(CExifReader *reader, uint32_t tag)
+{
+    ExifTagValue value = {};
+    if (zRExifGetTag(reader, tag, &value) != 0) return "-";
+    Bytes bytes = ValueBytes(value);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+std::vector<int> MarkerCodes(const CExifDoc &doc)
+{
+    std::vector<int> codes;
+    for (const RawSegment &s : TreeSegments(doc)) codes.push_back(s.code);
+    return codes;
+}

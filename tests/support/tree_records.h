@@ -31,4 +31,13 @@ std::vector<RawSegment> TreeSegments(const CExifDoc &doc);
 // The bytes of a value handed out by either family.
 Bytes ValueBytes(const ExifTagValue &value);
 
+// The thumbnail a document hands out; empty for none.
+Bytes DocThumbnail(CExifDoc *doc);
+
+// A reader's answer for a tag as text: the value's bytes, "-" for none.
+std::string ReaderValue(CExifReader *reader, uint32_t tag);
+
+// The codes of the top-level markers, in order.
+std::vector<int> MarkerCodes(const CExifDoc &doc);
+
 #endif
