@@ -47,26 +47,6 @@ TEST(DamagedFiles, FieldsOverwrittenWithHostileNumbers)
     }
 }
 
-// A block whose fields the cases overwrite: IFD 0 with Make and the Exif
-// pointer, IFD 1 with a description, the Exif IFD with a rational and a date.
-struct Fixture {
-    explicit Fixture(bool bigEndian)
-    {
-        block.bigEndian = bigEndian;
-        block.chain = {{Ascii(271, "Camera"), PointerTo(34665, 0)}, {Ascii(270, "Description")}};
-        block.subs = {{Rational(33434, 1, 250), Ascii(36867, "2020:01:01 10:00:00")}};
-        bytes = Layout(block);
-        ifd0 = IfdOffset(block, 0), ifd1 = IfdOffset(block, 1), exif = IfdOffset(block, 2);
-    }
-    static uint32_t Field(uint32_t ifd, int i) { return ifd + 2 + 12 * i + 8; }
-    static uint32_t Count(uint32_t ifd, int i) { return Field(ifd, i) - 4; }
-    static uint32_t Link(uint32_t ifd, int entries) { return ifd + 2 + 12 * entries; }
-
-    Block block;
-    Bytes bytes;
-    uint32_t ifd0, ifd1, exif;
-};
-
 struct Patch {
     uint32_t pos;
     uint32_t value;
@@ -75,55 +55,43 @@ struct Patch {
 
 struct Hostile {
     const char *name;
-    std::vector<Patch> (*patches)(const Fixture &);
+    std::vector<Patch> patches;
     std::vector<uint32_t> found;  // of 271, 270, 33434, 36867
 };
 
+// IFD 0 with Make and the Exif pointer, IFD 1 with a description, the Exif
+// IFD with a rational and a date: 134 bytes. Fields the cases overwrite: in
+// IFD 0 (at 8) Make's count (14) and offset (18), the pointer's type (24)
+// and offset (30), the link (34); IFD 1 (at 46) and its link (60); in the
+// Exif IFD (at 76) the counts of its entries (82, 94), the first's offset (86).
+Block Fixture(bool bigEndian)
+{
+    return {bigEndian, {{Ascii(271, "Camera"), PointerTo(34665, 0)}, {Ascii(270, "Description")}},
+            {{Rational(33434, 1, 250), Ascii(36867, "2020:01:01 10:00:00")}}, {}};
+}
+
 const Hostile kHostile[] = {
-    {"untouched", [](const Fixture &) { return std::vector<Patch>{}; }, {271, 270, 33434, 36867}},
-    {"chain loops back to IFD 0", [](const Fixture &f) { return std::vector<Patch>{{f.Link(f.ifd1, 1), f.ifd0, 4}}; },
-     {271, 270, 33434, 36867}},
-    {"IFD 0 links to itself", [](const Fixture &f) { return std::vector<Patch>{{f.Link(f.ifd0, 2), f.ifd0, 4}}; },
-     {271, 33434, 36867}},
-    {"offsets with the top bit set",
-     [](const Fixture &f) {
-         return std::vector<Patch>{{f.Field(f.ifd0, 0), 0x80000020, 4}, {f.Link(f.ifd0, 2), 0x80000000 | f.ifd1, 4}};
-     },
-     {33434, 36867}},
-    {"Exif pointer with the top bit set",
-     [](const Fixture &f) { return std::vector<Patch>{{f.Field(f.ifd0, 1), 0xFFFFFFF0, 4}}; }, {271, 270}},
-    {"first IFD offset with the top bit set", [](const Fixture &) { return std::vector<Patch>{{4, 0x80000008, 4}}; },
-     {}},
-    {"counts larger than the stream",
-     [](const Fixture &f) {
-         return std::vector<Patch>{
-             {f.Count(f.ifd0, 0), 0xFFFFFFFF, 4}, {f.Count(f.exif, 0), 0x20000001, 4}, {f.Count(f.exif, 1), 1000000, 4}};
-     },
-     {270}},
-    {"values behind the end",
-     [](const Fixture &f) {
-         return std::vector<Patch>{{f.Field(f.ifd0, 0), uint32_t(f.bytes.size() - 4), 4}, {f.Field(f.exif, 0), 0x7FFFFFF0, 4}};
-     },
-     {270, 36867}},
-    {"IFDs behind the end",
-     [](const Fixture &f) {
-         return std::vector<Patch>{{f.Link(f.ifd0, 2), 0x7FFFFFF0, 4}, {f.Field(f.ifd0, 1), 0x00FFFFF0, 4}};
-     },
-     {271}},
-    {"type 0 ends the chain", [](const Fixture &f) { return std::vector<Patch>{{f.Count(f.ifd0, 1) - 2, 0, 0}}; },
-     {271}},
-    {"entry count with its top bit set", [](const Fixture &f) { return std::vector<Patch>{{f.ifd1, 0x8001, 2}}; },
-     {271, 33434, 36867}},
+    {"untouched", {}, {271, 270, 33434, 36867}},
+    {"a chain that loops back", {{60, 8, 4}}, {271, 270, 33434, 36867}},
+    {"IFD 0 linked to itself", {{34, 8, 4}}, {271, 33434, 36867}},
+    {"offsets with the top bit set", {{18, 0x80000020, 4}, {34, 0x8000002E, 4}}, {33434, 36867}},
+    {"an Exif pointer with the top bit set", {{30, 0xFFFFFFF0, 4}}, {271, 270}},
+    {"a first IFD offset with the top bit set", {{4, 0x80000008, 4}}, {}},
+    {"counts larger than the stream", {{14, 0xFFFFFFFF, 4}, {82, 0x20000001, 4}, {94, 1000000, 4}}, {270}},
+    {"values behind the end", {{18, 130, 4}, {86, 0x7FFFFFF0, 4}}, {270, 36867}},
+    {"IFDs behind the end", {{34, 0x7FFFFFF0, 4}, {30, 0x00FFFFF0, 4}}, {271}},
+    {"type 0 ends the chain", {{24, 0, 0}}, {271}},
+    {"an entry count with its top bit set", {{46, 0x8001, 2}}, {271, 33434, 36867}},
 };
 
-Bytes Patched(const Fixture &f, const Hostile &c)
+Bytes Patched(const Block &block, const Hostile &c)
 {
-    Bytes bytes = f.bytes;
-    for (const Patch &p : c.patches(f)) {
-        if (p.width == 4) Patch32(bytes, p.pos, p.value, f.block.bigEndian);
+    Bytes bytes = Layout(block);
+    for (const Patch &p : c.patches) {
+        if (p.width == 4) Patch32(bytes, p.pos, p.value, block.bigEndian);
         if (p.width == 2) {
-            bytes[p.pos] = uint8_t(f.block.bigEndian ? p.value >> 8 : p.value);
-            bytes[p.pos + 1] = uint8_t(f.block.bigEndian ? p.value : p.value >> 8);
+            bytes[p.pos] = uint8_t(block.bigEndian ? p.value >> 8 : p.value);
+            bytes[p.pos + 1] = uint8_t(block.bigEndian ? p.value : p.value >> 8);
         }
         if (p.width == 0) bytes[p.pos] = bytes[p.pos + 1] = 0;
     }
@@ -146,9 +114,11 @@ std::vector<uint32_t> FoundByReader(const std::string &path)
 TEST(HostileFields, ReaderAnswersOnlyWhatTheFileHolds)
 {
     for (bool bigEndian : {false, true}) {
-        Fixture fixture(bigEndian);
+        Block block = Fixture(bigEndian);
+        ASSERT_EQ(134u, Layout(block).size());
+        ASSERT_EQ(76u, IfdOffset(block, 2));
         for (const Hostile &c : kHostile) {
-            Bytes tiff = Patched(fixture, c);
+            Bytes tiff = Patched(block, c);
             std::mt19937 rng{1};
             for (const Bytes &file : {tiff, CameraJpeg(tiff, rng)}) {
                 std::string label = std::string(c.name) + (file == tiff ? " in a TIFF" : " in a JPEG") +

@@ -164,7 +164,8 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
 
 // A strip may lie anywhere in the file, its first byte included; strip tags
 // that can't describe strips (an offset beyond 31 bits) fail the save rather
-// than be copied with offsets that point nowhere.
+// than be copied with offsets that point nowhere, while a thumbnail of strips
+// the block doesn't hold is left out.
 TEST(Save, StripsAreCarriedWhereverTheyLie)
 {
     TempDir dir;
@@ -172,9 +173,11 @@ TEST(Save, StripsAreCarriedWhereverTheyLie)
     DocPtr doc(zExifLoadFile(dir.Write("head.tif", tiff).c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.tif").c_str()));
     EXPECT_EQ(std::vector<Bytes>{Bytes(tiff.begin(), tiff.begin() + 8)}, ReadRaw(ReadFile(dir.Path("out.tif"))).images);
-    Bytes jpeg = JpegOf({{Short(274, 1)}, {Long(273, 0x80000000), Long(279, 10)}});
-    DocPtr far(zExifLoadFile(dir.Write("far.jpg", jpeg).c_str()));
+    DocPtr far(zExifLoadFile(dir.Write("far.jpg", JpegOf({{Short(274, 1)}, {Long(273, 0x80000000), Long(279, 10)}})).c_str()));
     EXPECT_EQ(-1, zExifSaveFile(far.get(), dir.Path("out.jpg").c_str()));
+    DocPtr large(zExifLoadFile(dir.Write("large.jpg", JpegOf({{Short(274, 1)}, {Long(273, 10), Long(279, 0x7FFFFFFF)}})).c_str()));
+    ASSERT_EQ(0, zExifSaveFile(large.get(), dir.Path("out.jpg").c_str()));
+    EXPECT_EQ(1u, ReadRaw(ReadFile(dir.Path("out.jpg"))).tags.size());
 }
 
 }  // namespace

@@ -180,21 +180,29 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
 }
 
 // A process may run without standard input: a file then opens as
-// descriptor 0, which is a file like any other.
+// descriptor 0, which is a file like any other, also where a narrow name
+// of one byte could be the start of a 16-bit one.
 TEST(WidePath, FilesOpenAsDescriptorZero)
 {
     TempDir dir;
-    std::string path = dir.Write("photo.jpg", JpegOf({{Ascii(271, "Cam")}}));
+    dir.Write("a", JpegOf({{Ascii(271, "Cam")}}));
+    char cwd[4096];
+    ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
+    ASSERT_EQ(0, chdir(dir.m_path.c_str()));
     int saved = dup(0);
     close(0);
-    CExifReader *reader = zRExifBeginRead(path.c_str());
+    {
+        CCachedFileObj cached;
+        EXPECT_EQ(1, cached.Open("a"));
+        EXPECT_EQ(0, cached.Open("a"));
+    }
+    const char narrowOrWide[] = {'a', 0, 'b', 0, 0, 0};
+    CExifReader *reader = zRExifBeginRead(narrowOrWide);
     EXPECT_NE(nullptr, reader);
     zRExifEndRead(reader);
-    CCachedFileObj cached;
-    EXPECT_EQ(1, cached.Open(path.c_str()));
-    EXPECT_EQ(0, cached.Open(path.c_str()));
     dup2(saved, 0);
     close(saved);
+    ASSERT_EQ(0, chdir(cwd));
 }
 
 }  // namespace
