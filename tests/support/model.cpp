@@ -373,6 +373,10 @@ Block RandomBlock(std::mt19937 &rng, bool tiffFile)
         exifPool.insert(exifPool.end(), {42032, 42033, 59932});
         block.subs.push_back(RandomIfd(rng, exifPool, 8));
         ifd0.push_back(PointerTo(34665, int(block.subs.size()) - 1));
+        if (Pick(rng, 2) == 0) {
+            block.subs.push_back({Ascii(1, "R98"), Typed(2, 7, 4, {'0', '1', '0', '0'})});
+            block.subs[block.subs.size() - 2].push_back(PointerTo(40965, int(block.subs.size()) - 1));
+        }
     }
     if (Pick(rng, 2) == 0) {
         std::vector<uint16_t> gpsPool;
