@@ -113,6 +113,7 @@ TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
     ExifBuffer shortBlock = {good.data(), 13}, null = {nullptr, 20};
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &shortBlock));
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &null));
+    EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), nullptr));
     DocPtr tiff(zExifLoadFile(dir.Write("photo.tif", Layout({false, {{kMake}}, {}, {}})).c_str()));
     ExifBuffer buffer = {good.data(), uint32_t(good.size())};
     EXPECT_EQ(-1, zExifInsertExifMarker(tiff.get(), &buffer));
