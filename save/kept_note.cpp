@@ -44,19 +44,40 @@ int HoldsSourceValue(const CTag *tag, int64_t size)
     return size > 0 && tag->m_value >= HEADER_SIZE && tag->m_data != nullptr && tag->m_size >= size;
 }
 
-// Where the note's IFD opens: the first place at which a count stands whose
-// entries all fit the note and are all of a known type; -1 for none.
-int64_t FindNoteIfd(const unsigned char *note, int64_t size)
+// Where the note's IFD opens, read in its block's byte order: the first
+// place at which a count stands whose entries all fit the note and are all
+// of a known type; -1 for none.
+int64_t FindNoteIfd(const unsigned char *note, int64_t size, int bigEndian)
 {
     for (int64_t at : NOTE_IFD_STARTS) {
         if (at + 2 > size) break;
-        uint32_t count = ReadU16(note + at, 1);
+        uint32_t count = ReadU16(note + at, bigEndian);
         if (count == 0 || count > MOST_NOTE_ENTRIES || at + 2 + ENTRY_SIZE * count > size) continue;
         int known = 1;
-        for (uint32_t i = 0; known && i < count; i++) known = TiffTypeSize(ReadU16(note + at + 2 + ENTRY_SIZE * i + 2, 1)) != 0;
+        for (uint32_t i = 0; known && i < count; i++) {
+            known = TiffTypeSize(ReadU16(note + at + 2 + ENTRY_SIZE * i + 2, bigEndian)) != 0;
+        }
         if (known) return at;
     }
     return -1;
+}
+
+// How far the values of the note's IFD reach, where its offsets count from
+// the block's header: some notes keep values behind their own end. Only
+// values behind the note's start and within the source count; 0 for a note
+// without such an IFD.
+int64_t NoteReach(const CTag *note, int64_t size, int bigEndian, int64_t sourceSize)
+{
+    int64_t at = FindNoteIfd(note->m_data, size, bigEndian);
+    int64_t reach = 0;
+    for (uint32_t i = 0; at >= 0 && i < ReadU16(note->m_data + at, bigEndian); i++) {
+        const unsigned char *entry = note->m_data + at + 2 + ENTRY_SIZE * i;
+        uint32_t type = ReadU16(entry + 2, bigEndian);
+        int64_t bytes = EntryDataSize(type, ReadU32(entry + 4, bigEndian));
+        int64_t offset = ReadU32(entry + 8, bigEndian);
+        if (bytes > 4 && offset >= note->m_value && offset + bytes <= sourceSize) reach = std::max(reach, offset + bytes);
+    }
+    return reach;
 }
 
 // Reverses every whole unit of a value's bytes: its 16- or 32-bit numbers,
@@ -88,7 +109,7 @@ void TurnEntry(unsigned char *note, int64_t size, int64_t noteAt, unsigned char 
 
 void TurnNoteLittleEndian(unsigned char *note, int64_t size, int64_t noteAt)
 {
-    int64_t at = FindNoteIfd(note, size);
+    int64_t at = FindNoteIfd(note, size, 1);
     if (at < 0) return;
     uint32_t count = ReadU16(note + at, 1);
     TurnValue(note + at, 2, TIFF_SHORT);
@@ -99,6 +120,7 @@ void TurnNoteLittleEndian(unsigned char *note, int64_t size, int64_t noteAt)
 
 int FindKeptNote(CNode *header, int64_t sourceSize, KeptNote *kept)
 {
+    int bigEndian = header->m_value == 1;
     for (CNode *ifd : IfdsOfBlock(header)) {
         CTag *exif = FindChainEntry(ifd, TAG_EXIF_IFD);
         CTag *note = exif != nullptr ? FindChainEntry(exif, TAG_MAKER_NOTE) : nullptr;
@@ -107,6 +129,7 @@ int FindKeptNote(CNode *header, int64_t sourceSize, KeptNote *kept)
         int64_t end = note->m_value + size;
         int64_t next = sourceSize > end ? sourceSize : end;
         NearestMoved(header, end, &next);
+        next = std::max(next, NoteReach(note, size, bigEndian, sourceSize));
         kept->m_tag = note;
         kept->m_offset = note->m_value;
         kept->m_size = next - note->m_value;

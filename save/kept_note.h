@@ -10,8 +10,9 @@ class CTag;
 // and some reach past its end into the values around it: the note keeps its
 // meaning only where it keeps its place and its surroundings. So a rewrite
 // keeps the stretch of the source from the note on, up to the next IFD,
-// link, thumbnail or strip the source holds there, byte for byte; the values
-// that lie in that stretch stay in it, and all else goes around it.
+// link, thumbnail or strip the source holds there or as far as the note's
+// own values reach, whichever is further, byte for byte; the values that lie
+// in that stretch stay in it, and all else goes around it.
 struct KeptNote {
     const CTag *m_tag = nullptr;  // null: no stretch is kept
     int64_t m_offset = 0;         // where the stretch starts, in source and output alike
