@@ -354,9 +354,11 @@ Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs, const 
 
 Bytes ThumbnailBytes(size_t size, uint8_t seed)
 {
+    static const Bytes frame = {0xFF, 0xC0, 0, 17, 8, 0, 120, 0, 160, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};
     Bytes out(size < 4 ? 4 : size, 0);
     for (size_t i = 0; i < out.size(); i++) out[i] = uint8_t((i * 7 + seed) % 0xFE);
     out[0] = 0xFF, out[1] = 0xD8;
+    if (out.size() >= frame.size() + 4) std::copy(frame.begin(), frame.end(), out.begin() + 2);
     out[out.size() - 2] = 0xFF, out[out.size() - 1] = 0xD9;
     return out;
 }
