@@ -380,7 +380,17 @@ Block RandomBlock(std::mt19937 &rng, bool tiffFile)
             block.subs[block.subs.size() - 2].push_back(PointerTo(40965, int(block.subs.size()) - 1));
         }
     }
-    if (Pick(rng, 2) == 0) {
+    if (!block.subs.empty() && Pick(rng, 4) == 0) {
+        // A GPS pointer of no IFD pointer's form, whose value happens to be
+        // the Exif IFD's offset.
+        Entry odd = PointerTo(34853, 0);
+        if (Pick(rng, 2) == 0) {
+            odd.count = 0;
+        } else {
+            odd.type = 3;
+        }
+        ifd0.push_back(odd);
+    } else if (Pick(rng, 2) == 0) {
         std::vector<uint16_t> gpsPool;
         for (uint16_t tag = 0; tag < 32; tag++) gpsPool.push_back(tag);
         block.subs.push_back(RandomIfd(rng, gpsPool, 8));

@@ -180,7 +180,10 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
     EXPECT_EQ(raw.images, again.images) << label;
     uint32_t exifAt = 0, gpsAt = 0;
     for (const RawTag &t : again.tags) {
-        if (t.place == "IFD0" && (t.tag == 34665 || t.tag == 34853)) (t.tag == 34665 ? exifAt : gpsAt) = FirstNumber(t);
+        bool pointer = t.count == 1 && (t.type == 4 || t.type == 13);
+        if (pointer && t.place == "IFD0" && (t.tag == 34665 || t.tag == 34853)) {
+            (t.tag == 34665 ? exifAt : gpsAt) = FirstNumber(t);
+        }
     }
     if (exifAt != 0 && gpsAt != 0) EXPECT_LT(exifAt, gpsAt) << label << ": the Exif IFD goes first";
     DocPtr reloaded(zExifLoadFile(out.c_str()));
