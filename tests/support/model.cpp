@@ -335,7 +335,9 @@ Bytes ScanAcrossBuffer(std::mt19937 &rng, size_t start)
 }
 
 // Bytes between segments that count as image data: fill, a stuffed byte and
-// each marker that has no length.
+// each marker that has no length. In a JPEG they are followed by a segment of
+// code 255 with no payload: before the first scan any code that isn't data
+// opens a segment.
 Bytes DataBetweenSegments(std::mt19937 &rng)
 {
     static const uint8_t codes[] = {0x00, 0xD0, 0xD1, 0xD2, 0xD3, 0xD4, 0xD5, 0xD6, 0xD7, 0xDC, 0xDE, 0xDF};
@@ -355,6 +357,7 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     if (Pick(rng, 3) == 0) {
         Bytes data = DataBetweenSegments(rng);
         out.insert(out.end(), data.begin(), data.end());
+        AppendSegment(out, {0xFF, {}});
     }
     AppendSegment(out, {0xC0, {8, 0, 16, 0, 16, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1}});
     AppendSegment(out, {0xC4, RandomBytes(rng, 29)});
