@@ -5,6 +5,7 @@
 #include <new>
 
 #include "platform/fault_point.h"
+#include "platform/file_replace.h"
 #include "platform/read_only_file.h"
 
 CFileObj::~CFileObj()
@@ -68,6 +69,11 @@ uint32_t CFileObj::Write(const void *buffer, uint32_t size)
     if (FaultStrikes(FAULT_WRITE)) return Fail();
     size_t put = std::fwrite(buffer, 1, size, m_file);
     if (put < size) m_failed = 1;
+    m_notWrittenBack += static_cast<uint32_t>(put);
+    if (m_notWrittenBack >= FILE_WRITEBACK_STEP) {
+        StartWriteback(m_file);
+        m_notWrittenBack = 0;
+    }
     return static_cast<uint32_t>(put);
 }
 

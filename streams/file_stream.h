@@ -10,11 +10,17 @@
 // reads that follow.
 constexpr uint32_t FILE_BUFFER_SIZE = 65536;
 
+// Bytes a writing file stream writes before it has the system start putting
+// them on the disk.
+constexpr uint32_t FILE_WRITEBACK_STEP = 1 << 20;
+
 // A stream over an open stdio file, which it owns and closes. Once it has a
 // read buffer it reads the file at a position of its own, a buffer at a
 // time: a seek only moves a number, and a scan looks into the buffer rather
 // than reading byte by byte. Without one it goes through stdio, whose buffer
-// gathers the small writes of a save and follows its seeks.
+// gathers the small writes of a save and follows its seeks, and every
+// FILE_WRITEBACK_STEP bytes it has the disk start on what was written, so
+// that the sync at the end of a save finds little left to do.
 class CFileObj : public CStreamIO {
 public:
     explicit CFileObj(FILE *file) : m_file(file) {}
@@ -54,6 +60,7 @@ private:
     uint32_t m_bufferSize = 0;          // bytes of the file the buffer holds
     int64_t m_pos = 0;
     int m_eof = 0;
+    uint32_t m_notWrittenBack = 0;  // bytes written since the last writeback began
 };
 
 #endif
