@@ -54,15 +54,37 @@ size_t SetWithZexif(const std::string &path, const std::string &out)
     return size_t(ok);
 }
 
-// exiv2 edits a file in place: the new file is a copy of the old one, edited.
+void SetDescription(Exiv2::Image &image)
+{
+    image.readMetadata();
+    image.exifData()["Exif.Image.ImageDescription"] = "x";
+    image.writeMetadata();
+}
+
+// exiv2 edits a file in place, as its own tool does: the new file is a copy
+// of the old one, edited.
 size_t SetWithExiv2(const std::string &path, const std::string &out)
 {
     try {
         fs::copy_file(path, out, fs::copy_options::overwrite_existing);
-        Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(out);
-        image->readMetadata();
-        image->exifData()["Exif.Image.ImageDescription"] = "x";
-        image->writeMetadata();
+        SetDescription(*Exiv2::ImageFactory::open(out));
+        return 1;
+    } catch (const std::exception &) {
+        return 0;
+    }
+}
+
+// Or the file is read whole, edited in memory and written out: faster for
+// smaller files.
+size_t SetWithExiv2InMemory(const std::string &path, const std::string &out)
+{
+    try {
+        Exiv2::DataBuf file = Exiv2::readFile(path);
+        Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(file.pData_, file.size_);
+        SetDescription(*image);
+        Exiv2::BasicIo &io = image->io();
+        io.seek(0, Exiv2::BasicIo::beg);
+        Exiv2::writeFile(io.read(io.size()), out);
         return 1;
     } catch (const std::exception &) {
         return 0;
@@ -77,18 +99,26 @@ void RunOnFile(benchmark::State &state, size_t (*work)(const std::string &), con
     state.counters["tags"] = sum > 0 ? 1 : 0;
 }
 
+// zexif puts the new file on the disk before it takes the old one's place;
+// exiv2 leaves it to the system to write later. Each edit starts with nothing
+// waiting to be written, so that neither pays for what the other left.
 void RunEdit(benchmark::State &state, size_t (*edit)(const std::string &, const std::string &),
              const std::string &path, const std::string &out)
 {
     size_t done = 0;
-    for (auto _ : state) done += edit(path, out);
+    for (auto _ : state) {
+        state.PauseTiming();
+        sync();
+        state.ResumeTiming();
+        done += edit(path, out);
+    }
     state.counters["tags"] = done > 0 ? 1 : 0;
 }
 
 }  // namespace
 
-// "load 80MB/zexif" and "/read-loop" over big80MB.jpg; "set <N>MB/zexif"
-// and "/exiv2" over big10MB.jpg and big80MB.jpg.
+// "load 80MB/zexif" and "/read-loop" over big80MB.jpg; "set <N>MB/zexif",
+// "/exiv2" and "/exiv2-memory" over big10MB.jpg and big80MB.jpg.
 void RegisterBigJpegBenchmarks(const std::string &dir)
 {
     const std::string big = dir + "/big80MB.jpg";
@@ -98,5 +128,6 @@ void RegisterBigJpegBenchmarks(const std::string &dir)
         const std::string path = dir + "/big" + size + ".jpg", out = dir + "/out" + size + ".jpg";
         benchmark::RegisterBenchmark(("set " + size + "/zexif").c_str(), RunEdit, SetWithZexif, path, out);
         benchmark::RegisterBenchmark(("set " + size + "/exiv2").c_str(), RunEdit, SetWithExiv2, path, out);
+        benchmark::RegisterBenchmark(("set " + size + "/exiv2-memory").c_str(), RunEdit, SetWithExiv2InMemory, path, out);
     }
 }
