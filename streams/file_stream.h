@@ -33,9 +33,9 @@ public:
 
     uint32_t Read(void *buffer, uint32_t size) override;
     uint32_t Write(const void *buffer, uint32_t size) override;
-    // Seeks outside 31 bits and in front of the start fail with -1 and leave
-    // the position; neither counts as a failure of the stream, as both come
-    // from damaged offsets.
+    // A reading stream's seek outside 31 bits or in front of the start fails
+    // with -1 and leaves the position; neither counts as a failure of the
+    // stream, as both come from damaged offsets.
     int32_t Seek(int whence, int32_t offset) override;
     int32_t Tell() override;
     int IsEof() override { return m_eof; }
