@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "streams/file_stream.h"
+
 namespace {
 
 size_t ValueSize(const Entry &entry)
@@ -315,8 +317,27 @@ Bytes ScanData(std::mt19937 &rng, size_t size)
     return out;
 }
 
+// Scan data that runs past the first buffer a file stream reads, with a
+// marker split across the buffer's edge: its FF is the buffer's last byte.
+// It is a stuffed byte, a restart or an EOI behind which the scan goes on as
+// trailing bytes. start is the scan's offset in the file.
+Bytes ScanAcrossBuffer(std::mt19937 &rng, size_t start)
+{
+    static const uint8_t codes[] = {0x00, 0xD5, 0xD9};
+    const size_t edge = FILE_BUFFER_SIZE - 1 - start;
+    Bytes out = ScanData(rng, edge);
+    out.resize(edge);
+    if (out.back() == 0xFF) out.back() = 0;
+    out.insert(out.end(), {0xFF, codes[Pick(rng, 3)]});
+    Bytes rest = ScanData(rng, 100);
+    out.insert(out.end(), rest.begin(), rest.end());
+    return out;
+}
+
 // Bytes between segments that count as image data: fill, a stuffed byte and
-// each marker that has no length.
+// each marker that has no length. In a JPEG they are followed by a segment of
+// code 255 with no payload: before the first scan any code that isn't data
+// opens a segment.
 Bytes DataBetweenSegments(std::mt19937 &rng)
 {
     static const uint8_t codes[] = {0x00, 0xD0, 0xD1, 0xD2, 0xD3, 0xD4, 0xD5, 0xD6, 0xD7, 0xDC, 0xDE, 0xDF};
@@ -336,11 +357,12 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     if (Pick(rng, 3) == 0) {
         Bytes data = DataBetweenSegments(rng);
         out.insert(out.end(), data.begin(), data.end());
+        AppendSegment(out, {0xFF, {}});
     }
     AppendSegment(out, {0xC0, {8, 0, 16, 0, 16, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1}});
     AppendSegment(out, {0xC4, RandomBytes(rng, 29)});
     AppendSegment(out, {0xDA, {3, 1, 0, 2, 0x11, 3, 0x11, 0, 0x3F, 0}});
-    Bytes scan = ScanData(rng, size_t(200 + Pick(rng, 2000)));
+    Bytes scan = Pick(rng, 3) == 0 ? ScanAcrossBuffer(rng, out.size()) : ScanData(rng, size_t(200 + Pick(rng, 2000)));
     out.insert(out.end(), scan.begin(), scan.end());
     out.insert(out.end(), {0xFF, 0xD9});
     return out;
