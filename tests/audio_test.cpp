@@ -2,8 +2,11 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "support/files.h"
 #include "support/tree_records.h"
+#include "tree/document.h"
 
 namespace {
 
@@ -125,6 +128,9 @@ TEST(AudioStreams, BothFamiliesExtractTheSameAndRemovalTakesTheStream)
         EXPECT_EQ(expected, ReadFile(dir.Path("d.wav"))) << c.name;
         EXPECT_EQ(1, zExifRemoveAudio(doc.get())) << c.name;
         EXPECT_EQ(0, zExifIsAudioExist(doc.get())) << c.name;
+        std::vector<const CNode *> chain;
+        for (const CNode *node = doc->m_root; node != nullptr; node = node->m_next) chain.push_back(node);
+        EXPECT_NE(chain.end(), std::find(chain.begin(), chain.end(), doc->m_cur)) << c.name << ": the cursor stays in the tree";
         if (c.cut > 0) continue;
         ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str())) << c.name;
         size_t app2 = 0;
@@ -166,6 +172,21 @@ TEST(AudioFiles, SetAudioIsSavedInSegmentsAndReadBack)
         ASSERT_EQ(0, zExifGetAudioFile(again.get(), dir.Path("d.wav").c_str())) << size;
         EXPECT_EQ(audio, ReadFile(dir.Path("d.wav"))) << size;
     }
+}
+
+// Without an APP1 the audio goes behind APP0; the document counts the
+// audio of its source only.
+TEST(AudioFiles, GoesBehindApp0WithoutApp1)
+{
+    TempDir dir;
+    std::string path = dir.Write("plain.jpg", Jpeg({{0xE0, {'J', 'F', 'I', 'F', 0}}, {0xDB, Bytes(65, 1)}}, {1, 2}));
+    DocPtr doc(zExifLoadFile(path.c_str()));
+    std::string wave = dir.Write("voice.wav", RiffWave(100));
+    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), wave.c_str()));
+    EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
+    ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str()));
+    DocPtr saved(zExifLoadFile(path.c_str()));
+    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE2, 0xDB, 161, 0xD9}), MarkerCodes(*saved));
 }
 
 // A file to be made under a 16-bit name gets that name, not the one its

@@ -60,6 +60,11 @@ struct EditCase {
 const EditCase kEdits[] = {
     {"a JPEG without Exif gets an APP1 behind APP0 and IFD 0 first", JpegOf({}), {Set(kDescription, 1)},
      {At("IFD0", kDescription)}, {0xD8, 0xE0, 0xE1, 0xDB}},
+    {"an Exif APP1 without a block gets one",
+     Jpeg({{0xE0, {'J', 'F', 'I', 'F', 0}}, {0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I'}}, {0xDB, Bytes(65, 1)}}, {}),
+     {Set(kMake)}, {At("IFD0", kMake)}, {0xD8, 0xE0, 0xE1, 0xDB}},
+    {"an IFD 0 emptied in front of IFD 1 comes back for the Exif IFD", JpegOf({{kMake}, {Short(300, 1)}}),
+     {Del(271), Set(kDate)}, {At("IFD0", kExifPointer), At("IFD0/34665", kDate), At("IFD1", Short(300, 1))}},
     {"without APP0 the APP1 goes behind SOI", JpegWithoutApp0(), {Set(kDate, 3)},
      {At("IFD0", kExifPointer), At("IFD0/34665", kDate)}, {0xD8, 0xE1, 0xDB}},
     {"new tags go at their sorted place", JpegOf({{kDescription, Short(272, 1)}}),

@@ -92,6 +92,8 @@ TEST(InsertExifMarker, TakesOverTheBlockAndItsThumbnail)
     ASSERT_EQ(0, zExifGetTag(doc.get(), 271, &value, 0));
     EXPECT_EQ((Bytes{'N', 'e', 'w', 0}), ValueBytes(value));
     std::free(value.data);
+    EXPECT_EQ(1, zExifIsThumbnailExist(doc.get()));
+    EXPECT_EQ(ThumbnailBytes(200), DocThumbnail(doc.get()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str()));
     RawFile saved = ReadRaw(ReadFile(into));
     EXPECT_EQ(ReadRaw(ReadFile(from)).tags, std::vector<RawTag>(saved.tags.begin(), saved.tags.begin() + 3));
@@ -114,6 +116,17 @@ TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &shortBlock));
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &null));
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), nullptr));
+    // A block of a header alone is one; a thumbnail that lies outside its
+    // block is none.
+    Bytes headerOnly = ExifPayload(Layout({false, {}, {}, {}}));
+    Bytes outside = ExifPayload(Layout({false, {{kMake}, {Long(513, 4000), Long(514, 10)}}, {}, {}}));
+    for (Bytes *payload : {&headerOnly, &outside}) {
+        DocPtr taker(zExifLoadFile(dir.Path("into.jpg").c_str()));
+        ExifBuffer taken = {new unsigned char[payload->size()], uint32_t(payload->size())};
+        std::copy(payload->begin(), payload->end(), taken.data);
+        EXPECT_EQ(0, zExifInsertExifMarker(taker.get(), &taken));
+        EXPECT_EQ(0, zExifIsThumbnailExist(taker.get()));
+    }
     DocPtr tiff(zExifLoadFile(dir.Write("photo.tif", Layout({false, {{kMake}}, {}, {}})).c_str()));
     ExifBuffer buffer = {good.data(), uint32_t(good.size())};
     EXPECT_EQ(-1, zExifInsertExifMarker(tiff.get(), &buffer));

@@ -142,8 +142,8 @@ TEST(TempFile, ReplaceByCopy)
     EXPECT_EQ((std::vector<std::string>{"folder", "new.$#$", "photo.jpg"}), dir.List());
 }
 
-// A JPEG without Exif is written byte for byte, a segment of the longest
-// length included; a big-endian TIFF whose samples are wider than a byte
+// A JPEG without Exif is written byte for byte, segments of the shortest and
+// the longest length included; a big-endian TIFF whose samples are wider than a byte
 // can't be turned little-endian and fails.
 TEST(Save, CopiesWhatItDoesNotRebuild)
 {
@@ -151,6 +151,7 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
     Bytes plain = JpegOf({});
     plain.insert(plain.begin() + 2, {0xFF, 0xFE, 0xFF, 0xFF});
     plain.insert(plain.begin() + 6, 65533, 'c');
+    plain.insert(plain.begin() + 2, {0xFF, 0xFE, 0x00, 0x02});
     DocPtr doc(zExifLoadFile(dir.Write("plain.jpg", plain).c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.jpg").c_str()));
     EXPECT_EQ(plain, ReadFile(dir.Path("out.jpg")));

@@ -46,6 +46,7 @@ TEST(MemoryStream, SeeksStopAtEitherEndAndTellWhereTheyWent)
     EXPECT_EQ(2u, stream.Write(buffer, 4));
     EXPECT_EQ((Bytes{8, 9}), Bytes(data.begin() + 8, data.end()));
     EXPECT_EQ(0u, stream.Read(buffer, 1));
+    EXPECT_EQ(0u, stream.Write(buffer, 1));
 }
 
 // A view counts from where its parent stood when it was made, shares the
@@ -153,6 +154,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     EXPECT_EQ(0, LooksLikeWidePath("/tmp"));
     EXPECT_EQ(0, LooksLikeWidePath("\xc3\xa9t\xc3\xa9"));
     EXPECT_EQ(0, LooksLikeWidePath(""));
+    EXPECT_EQ(0, LooksLikeWidePath("\xf4\x8f\xbf\xbf"));
 
     TempDir dir;
     Bytes jpeg = JpegOf({{Ascii(271, "Cam")}});

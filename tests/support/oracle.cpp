@@ -187,6 +187,11 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
         }
     }
     if (exifAt != 0 && gpsAt != 0) EXPECT_LT(exifAt, gpsAt) << label << ": the Exif IFD goes first";
+    int64_t block = raw.format == 1 ? saved.size() : 0;
+    for (const RawSegment &s : again.segments) {
+        if (IsExifSegment(saved, s) && block == int64_t(saved.size())) block = s.offset + 6;
+    }
+    if (block < int64_t(saved.size())) EXPECT_EQ((Bytes{'I', 'I', 42, 0}), Bytes(saved.begin() + block, saved.begin() + block + 4)) << label;
     DocPtr reloaded(zExifLoadFile(out.c_str()));
     ASSERT_NE(nullptr, reloaded) << label;
     EXPECT_EQ(again.tags, TreeTags(*reloaded)) << label;
