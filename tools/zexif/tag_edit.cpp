@@ -47,7 +47,7 @@ bool SetThroughLibrary(CExifDoc *doc, const TagAddress &address, const ExifTagVa
     CNode *owner = FindIfdOwner(doc, address.group, address.ifd);
     CNode *exif = FindIfdOwner(doc, GROUP_EXIF, 0);
     CTag *misplaced = exif != nullptr ? FindEntryIn(exif, address.number) : nullptr;
-    return owner != nullptr && misplaced != nullptr && AddEntry(owner, address.number, &value) == 0 &&
+    return owner != nullptr && misplaced != nullptr && AddEntry(doc, owner, address.number, &value) == 0 &&
            RemoveEntry(doc, misplaced);
 }
 
@@ -60,7 +60,7 @@ bool SetAddressedTag(CExifDoc *doc, const TagAddress &address, const ExifTagValu
         return found->SetValue(&value) ? true : Fail("cannot store " + where, error);
     }
     if (CNode *owner = FindIfdOwner(doc, address.group, address.ifd)) {
-        return AddEntry(owner, address.number, &value) == 0 ? true : Fail("cannot add " + where, error);
+        return AddEntry(doc, owner, address.number, &value) == 0 ? true : Fail("cannot add " + where, error);
     }
     const bool libraryMakesIfd = address.group == GROUP_TIFF || (address.group == GROUP_EXIF && IsExifIfdTag(address.number));
     if (!libraryMakesIfd) return Fail("cannot add " + where + ": the file has no such IFD yet", error);
