@@ -1,9 +1,9 @@
-#include "tools/zexif/edit_session.h"
+#include "zexif/edit_session.h"
 
 #include <cstdio>
 
-#include "tools/zexif/command.h"
-#include "tools/zexif/load_document.h"
+#include "zexif/command.h"
+#include "zexif/load_document.h"
 #include "zexif.h"
 
 namespace {
