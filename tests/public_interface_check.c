@@ -193,6 +193,13 @@ static void EditPhoto(const char *photo)
     free(bytes);
 }
 
+/* AddressSanitizer holds more address space than any limit would leave. */
+#if defined(__SANITIZE_ADDRESS__)
+#define UNDER_SANITIZER 1
+#else
+#define UNDER_SANITIZER 0
+#endif
+
 /* A load of a large copy under a limit of address space, in a child. */
 static int MemoryFailureCode(void)
 {
@@ -243,9 +250,7 @@ static void CheckErrors(const char *photo)
     CHECK(zExifSaveFile(doc, Scratch("first.jpg")) == 0, "a save");
     EXPECT_ERROR(zExifSaveFile(doc, Scratch("second.jpg")) == -1, ZEXIF_ERROR_READ);
     zExifDestroy(doc);
-#if !defined(__SANITIZE_ADDRESS__)
-    CHECK(MemoryFailureCode() == ZEXIF_ERROR_MEMORY, "a load without memory");
-#endif
+    CHECK(UNDER_SANITIZER || MemoryFailureCode() == ZEXIF_ERROR_MEMORY, "a load without memory");
     for (code = ZEXIF_ERROR_NONE; code <= ZEXIF_ERROR_READ; code++) {
         CHECK(strcmp(zExifGetErrorText(code), zExifGetErrorText(-1)) != 0, "each code has its text");
     }
