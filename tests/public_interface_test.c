@@ -27,6 +27,8 @@ static char g_scratch[] = "/tmp/zexif-check-XXXXXX";
         }                                                                        \
     } while (0)
 
+#define EXPECT_ERROR(failed, code) CHECK((failed) && zExifGetLastError() == (code), zExifGetErrorText(code))
+
 static const char *Scratch(const char *name)
 {
     static char path[4096];
@@ -186,11 +188,34 @@ static void EditPhoto(const char *photo)
     saved = zExifLoadFile(Scratch("edited.jpg"));
     CHECK(FindSegment(saved, 0xE1, XMP, sizeof XMP) > 0, "the XMP packet comes back");
     CHECK(FindSegment(saved, 0xFE, "zexif was here", 14) > 0, "the comment comes back");
-    CHECK(FindSegment(saved, 0xFE, NULL, 0) < FindSegment(saved, 0xDB, NULL, 0), "in front of the tables");
+    CHECK(FindSegment(saved, 0xFE, NULL, 0) + 2 == FindSegment(saved, 0xDB, NULL, 0), "behind the APPn, before DQT");
     zExifDestroy(saved);
     zRExifEndRead(reader);
     zExifDestroy(doc);
     free(bytes);
+}
+
+/* A JPEG of no metadata gets its APP1, IFD 0 and GPS IFD through memory; a
+ * TIFF gets no IFD that it would hold no image for. */
+static void EditBareFiles(void)
+{
+    static const unsigned char JPEG[] = {0xFF, 0xD8, 0xFF, 0xDB, 0, 3, 0, 0xFF, 0xD9};
+    static const unsigned char TIFF[] = {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
+    uint32_t altitude[2] = {1234, 10};
+    ExifTagValue value = {5, 1, altitude};
+    ExifBuffer saved = {NULL, 0};
+    CExifDoc *jpeg = zExifLoadMemory(JPEG, sizeof JPEG), *tiff = zExifLoadMemory(TIFF, sizeof TIFF);
+    CExifReader *bare = zRExifBeginReadMemory(JPEG, sizeof JPEG), *edited;
+    EXPECT_ERROR(zRExifGetTagAt(bare, 0, 271, &value) == -1, ZEXIF_ERROR_NOT_FOUND);
+    CHECK(zExifSetTagAt(jpeg, IFD_GPS, 6, &value) == 0 && zExifSaveMemory(jpeg, &saved) == 0, "GPS into a bare JPEG");
+    edited = zRExifBeginReadMemory(saved.data, saved.size);
+    CHECK(zRExifGetTagAt(edited, IFD_GPS, 6, &value) == 0 && SameValue(5, 1, altitude, value.data), "GPS read back");
+    EXPECT_ERROR(zExifSetTagAt(tiff, 1, 305, &value) == -1, ZEXIF_ERROR_FORMAT);
+    zRExifEndRead(edited);
+    zRExifEndRead(bare);
+    zExifFreeBuffer(&saved);
+    zExifDestroy(tiff);
+    zExifDestroy(jpeg);
 }
 
 /* AddressSanitizer holds more address space than any limit would leave. */
@@ -223,8 +248,6 @@ static int MemoryFailureCode(void)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-#define EXPECT_ERROR(failed, code) CHECK((failed) && zExifGetLastError() == (code), zExifGetErrorText(code))
-
 static void CheckErrors(const char *photo)
 {
     static const unsigned char BROKEN[] = {0xFF, 0xD8, 0xFF, 0xE1, 0, 18, 'E', 'x', 'i', 'f', 0, 0,
@@ -232,8 +255,21 @@ static void CheckErrors(const char *photo)
     struct rlimit full, before;
     ExifTagValue value;
     int code;
+    static unsigned char big[65534];
+    ExifBuffer empty = {NULL, 0}, largest = {big, sizeof big - 1}, tooLarge = {big, sizeof big};
+    ExifSegment *segments = NULL;
     CExifDoc *doc = zExifLoadFile(photo);
+    value.type = 2;
+    value.count = 1;
+    value.data = big;
     EXPECT_ERROR(zExifGetTagAt(doc, -1, 271, &value) == -1, ZEXIF_ERROR_ARGUMENT);
+    EXPECT_ERROR(zExifSetTagAt(doc, IFD_INTEROP + 1, 271, &value) == -1, ZEXIF_ERROR_ARGUMENT);
+    EXPECT_ERROR(zExifGetSegmentList(doc, &segments, NULL) == -1 && zExifSaveMemory(doc, NULL) == -1, ZEXIF_ERROR_ARGUMENT);
+    CHECK(zExifSetTagAt(doc, 2, 305, &value) == 0, "a new IFD behind the last");
+    EXPECT_ERROR(zExifSetTagAt(doc, 4, 305, &value) == -1, ZEXIF_ERROR_NOT_FOUND);
+    CHECK(zExifGetSegmentData(doc, 0, &empty) == 0 && empty.size == 0, "SOI has no payload");
+    CHECK(zExifInsertSegment(doc, 0xFE, &empty) == 0 && zExifInsertSegment(doc, 0xFE, &largest) == 0, "segment sizes");
+    EXPECT_ERROR(zExifInsertSegment(doc, 0xFE, &tooLarge) == -1, ZEXIF_ERROR_LIMIT);
     EXPECT_ERROR(zExifLoadFile("/nonexistent/zexif.jpg") == NULL, ZEXIF_ERROR_OPEN);
     EXPECT_ERROR(zExifLoadMemory("plain text", 10) == NULL, ZEXIF_ERROR_FORMAT);
     EXPECT_ERROR(zExifLoadMemory(BROKEN, sizeof BROKEN) == NULL, ZEXIF_ERROR_DAMAGED);
@@ -282,6 +318,7 @@ int main(void)
     if (mkdtemp(g_scratch) == NULL) return 2;
     if (nftw(samples, CheckSample, 16, FTW_PHYS) != 0) printf("no real camera files at %s\n", samples);
     EditPhoto(ZEXIF_SAMPLE_JPEG);
+    EditBareFiles();
     CheckErrors(ZEXIF_SAMPLE_JPEG);
     CheckNames();
     nftw(g_scratch, RemoveScratch, 16, FTW_DEPTH | FTW_PHYS);
