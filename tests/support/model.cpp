@@ -311,6 +311,8 @@ Bytes ScanData(std::mt19937 &rng, size_t size)
         out.push_back(byte);
         if (byte == 0xFF) out.push_back(0x00);
         if (Pick(rng, 97) == 0) out.insert(out.end(), {0xFF, uint8_t(0xD0 + restart++ % 8)});
+        // An APPn segment inside the scan is a segment all the same.
+        if (Pick(rng, 499) == 0) out.insert(out.end(), {0xFF, uint8_t(0xE0 + Pick(rng, 16)), 0, 4, 1, 2});
     }
     return out;
 }
