@@ -98,7 +98,7 @@ int TakeThumbnail(CExifDoc *doc, CMarker *marker, const ExifBuffer *buffer)
 
 int zExifInsertExifMarker(CExifDoc *doc, ExifBuffer *buffer)
 {
-    if (doc == nullptr || doc->m_format != FORMAT_JPEG || !IsExifPayload(buffer)) return -1;
+    if (doc == nullptr || buffer == nullptr || doc->m_format != FORMAT_JPEG || !IsExifPayload(buffer)) return -1;
     CNode *place = FindApp1Place(doc);
     if (place == nullptr) return -1;
     int32_t size = static_cast<int32_t>(buffer->size);

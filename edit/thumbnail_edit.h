@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "edit/jpeg_frame.h"
 #include "zexif.h"
 
 struct CExifDoc;
@@ -24,11 +25,12 @@ CTag *FindThumbLengthTag(CExifDoc *doc);
 // document's thumbnail. Returns 1, or 0 with out untouched.
 int ReadThumbnail(CExifDoc *doc, ExifBuffer *out);
 
-// Fill a childless IFD node with the tags of a thumbnail's IFD (tag 254 with
-// withSubfile) or of a minimal IFD 0. The node gets its children only when all
-// of them could be made; BuildThumbIfd then points m_thumbTag at its tag 513.
-// Return 1, or 0 with nothing changed.
-int BuildThumbIfd(CExifDoc *doc, CNode *node, int withSubfile);
+// Fill a childless IFD node with the tags of a thumbnail's IFD (as a reduced
+// image of the frame's size in a TIFF file, for a frame; as an Exif
+// thumbnail's for none) or of a minimal IFD 0. The node gets its children
+// only when all of them could be made; BuildThumbIfd then points m_thumbTag
+// at its tag 513. Return 1, or 0 with nothing changed.
+int BuildThumbIfd(CExifDoc *doc, CNode *node, const JpegFrameSize *frame);
 int BuildIfd0(CExifDoc *doc, CNode *node);
 
 // A new NODE_IFD node with that index and no children, or null.

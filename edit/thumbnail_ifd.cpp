@@ -18,13 +18,21 @@ struct FixedEntry {
     uint32_t value;
 };
 
-// The thumbnail's IFD: a reduced image (254), JPEG compressed (259), 72 dpi
-// (282, 283, 296), and where its stream lies (513, 514), which the save fills in.
+constexpr int32_t TAG_IMAGE_WIDTH = 256;
+constexpr int32_t TAG_IMAGE_LENGTH = 257;
+
+// The thumbnail's IFD in a TIFF file: a reduced image (254) of a size (256,
+// 257), which TIFF readers require of every image; in both formats JPEG
+// compressed (259), 72 dpi (282, 283, 296), and where its stream lies (513,
+// 514), which the save fills in.
 constexpr FixedEntry THUMB_IFD_ENTRIES[] = {
-    {254, TIFF_LONG, 1},     {259, TIFF_SHORT, 6}, {282, TIFF_RATIONAL, 0}, {283, TIFF_RATIONAL, 0},
-    {296, TIFF_SHORT, 2},    {513, TIFF_LONG, 0},  {514, TIFF_LONG, 0},
+    {254, TIFF_LONG, 1},     {TAG_IMAGE_WIDTH, TIFF_LONG, 0}, {TAG_IMAGE_LENGTH, TIFF_LONG, 0},
+    {259, TIFF_SHORT, 6},    {282, TIFF_RATIONAL, 0},         {283, TIFF_RATIONAL, 0},
+    {296, TIFF_SHORT, 2},    {513, TIFF_LONG, 0},             {514, TIFF_LONG, 0},
 };
 constexpr int THUMB_IFD_SIZE = sizeof(THUMB_IFD_ENTRIES) / sizeof(THUMB_IFD_ENTRIES[0]);
+// Where the tags of an Exif thumbnail's IFD begin among them.
+constexpr int EXIF_THUMB_FIRST = 3;
 
 constexpr FixedEntry IFD0_ENTRIES[] = {
     {282, TIFF_RATIONAL, 0},
@@ -92,10 +100,16 @@ int BuildIfd(CExifDoc *doc, CNode *ifd, const FixedEntry *entries, int count)
 
 }  // namespace
 
-int BuildThumbIfd(CExifDoc *doc, CNode *node, int withSubfile)
+int BuildThumbIfd(CExifDoc *doc, CNode *node, const JpegFrameSize *frame)
 {
-    const FixedEntry *entries = withSubfile ? THUMB_IFD_ENTRIES : THUMB_IFD_ENTRIES + 1;
-    int count = withSubfile ? THUMB_IFD_SIZE : THUMB_IFD_SIZE - 1;
+    FixedEntry entries[THUMB_IFD_SIZE];
+    int count = 0;
+    for (int i = frame != nullptr ? 0 : EXIF_THUMB_FIRST; i < THUMB_IFD_SIZE; i++) {
+        entries[count] = THUMB_IFD_ENTRIES[i];
+        if (entries[count].tag == TAG_IMAGE_WIDTH) entries[count].value = frame->width;
+        if (entries[count].tag == TAG_IMAGE_LENGTH) entries[count].value = frame->height;
+        count++;
+    }
     if (!BuildIfd(doc, node, entries, count)) return 0;
     doc->m_thumbTag = AsTag(FindInChain(node->m_child, TAG_THUMB_OFFSET));
     return 1;

@@ -77,7 +77,7 @@ int AddThumbnailToBlock(CExifDoc *doc, CNode *header, const ExifBuffer *buffer)
     CNode *newIfd1 = made[0];
     CNode *newIfd0 = made[1];
     if (newIfd1 == nullptr || (ifd0 == nullptr && newIfd0 == nullptr)) return DropUnplaced(doc, thumbTag, made, 2);
-    if (!BuildThumbIfd(doc, newIfd1, 0)) return DropUnplaced(doc, thumbTag, made, 2);
+    if (!BuildThumbIfd(doc, newIfd1, nullptr)) return DropUnplaced(doc, thumbTag, made, 2);
     if (newIfd0 != nullptr && !BuildIfd0(doc, newIfd0)) return DropUnplaced(doc, thumbTag, made, 2);
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 2);
     CNode *dropped = IfdsGivingWay(header, ifd0);
@@ -108,7 +108,7 @@ int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
     for (CNode *node : made) {
         if (node == nullptr) return DropUnplaced(doc, thumbTag, made, 4);
     }
-    if (!BuildIfd0(doc, made[2]) || !BuildThumbIfd(doc, made[3], 0)) return DropUnplaced(doc, thumbTag, made, 4);
+    if (!BuildIfd0(doc, made[2]) || !BuildThumbIfd(doc, made[3], nullptr)) return DropUnplaced(doc, thumbTag, made, 4);
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 4);
 
     InsertAfter(place, marker);

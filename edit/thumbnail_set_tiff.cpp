@@ -27,14 +27,14 @@ void RenumberIfdsBehind(CNode *ifd)
 
 // A new IFD 1 for the thumbnail behind IFD 0. Without an IFD 0 there is no
 // place for it in the file's chain.
-int InsertThumbIfd(CExifDoc *doc, const ExifBuffer *buffer)
+int InsertThumbIfd(CExifDoc *doc, const ExifBuffer *buffer, const JpegFrameSize &frame)
 {
     CNode *ifd0 = doc->FindIfd(0);
     if (ifd0 == nullptr) return 0;
     CTag *thumbTag = doc->m_thumbTag;
     CNode *fresh = MakeEmptyIfd(1);
     if (fresh == nullptr) return 0;
-    if (!BuildThumbIfd(doc, fresh, 1) || !StoreThumbnailBytes(doc, buffer)) {
+    if (!BuildThumbIfd(doc, fresh, &frame) || !StoreThumbnailBytes(doc, buffer)) {
         DestroyDetached(doc, fresh);
         doc->m_thumbTag = thumbTag;
         return 0;
@@ -46,12 +46,12 @@ int InsertThumbIfd(CExifDoc *doc, const ExifBuffer *buffer)
 
 // IFD 1 is the thumbnail's already: its entries give way to the fixed ones.
 // The old entries are destroyed only once the new ones hold the bytes.
-int RebuildThumbIfd(CExifDoc *doc, CNode *ifd1, const ExifBuffer *buffer)
+int RebuildThumbIfd(CExifDoc *doc, CNode *ifd1, const ExifBuffer *buffer, const JpegFrameSize &frame)
 {
     CTag *thumbTag = doc->m_thumbTag;
     CNode *old = ifd1->m_child;
     ifd1->m_child = nullptr;
-    if (!BuildThumbIfd(doc, ifd1, 1)) {
+    if (!BuildThumbIfd(doc, ifd1, &frame)) {
         ifd1->m_child = old;
         return 0;
     }
@@ -68,26 +68,26 @@ int RebuildThumbIfd(CExifDoc *doc, CNode *ifd1, const ExifBuffer *buffer)
 
 // An IFD 1 whose NewSubfileType says it is no reduced image (another page,
 // say) stays, behind the new one.
-int PlaceThumbIfd(CExifDoc *doc, const ExifBuffer *buffer)
+int PlaceThumbIfd(CExifDoc *doc, const ExifBuffer *buffer, const JpegFrameSize &frame)
 {
     CNode *ifd1 = doc->FindIfd(1);
-    if (ifd1 == nullptr) return InsertThumbIfd(doc, buffer);
+    if (ifd1 == nullptr) return InsertThumbIfd(doc, buffer, frame);
     CTag *subfile = AsTag(FindInChain(ifd1->m_child, TAG_NEW_SUBFILE_TYPE));
-    if (subfile != nullptr && subfile->m_value != SUBFILE_REDUCED) return InsertThumbIfd(doc, buffer);
-    return RebuildThumbIfd(doc, ifd1, buffer);
+    if (subfile != nullptr && subfile->m_value != SUBFILE_REDUCED) return InsertThumbIfd(doc, buffer, frame);
+    return RebuildThumbIfd(doc, ifd1, buffer, frame);
 }
 
 }  // namespace
 
-// The flags say what the tree holds, as after a JPEG document's call, so that
-// the readers serve the new thumbnail and never read the old one over it.
+// A TIFF image needs its size, which only a JPEG stream with a frame header
+// gives: other bytes are refused. IFD 1 is rebuilt for each new thumbnail,
+// so that its size is the new one. The flags say what the tree holds, as
+// after a JPEG document's call, so that the readers serve the new thumbnail
+// and never read the old one over it.
 int SetTiffThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
 {
-    if (doc->m_hasThumb && doc->m_thumbTag != nullptr) {
-        if (!StoreThumbnailBytes(doc, buffer)) return -1;
-    } else if (!PlaceThumbIfd(doc, buffer)) {
-        return -1;
-    }
+    JpegFrameSize frame;
+    if (!ReadJpegFrameSize(buffer->data, buffer->size, &frame) || !PlaceThumbIfd(doc, buffer, frame)) return -1;
     doc->m_hasThumb = 1;
     doc->m_thumbLoaded = 1;
     doc->m_thumbType = THUMB_TYPE_JPEG;

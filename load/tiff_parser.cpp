@@ -44,16 +44,25 @@ int AddTag(const IfdEntry &entry, int bigEndian, CStreamIO *stream, CDocBuilder 
     return ok;
 }
 
+int32_t *SeenFlagOf(CExifDoc *doc, uint16_t tag)
+{
+    switch (tag) {
+    case 34665: return &doc->m_seenExifIfd;
+    case 34853: return &doc->m_seenGpsIfd;
+    case 40965: return &doc->m_seenInteropIfd;
+    default: return nullptr;
+    }
+}
+
 // Follows a pointer tag into its sub-IFD once per block, so that a pointer
-// inside the sub-IFD itself can't start an endless descent. A pointer past
-// the end of the stream names an IFD that can't be read, which fails like
-// any other sub-IFD that fails.
+// inside the sub-IFD itself can't start an endless descent. A tag of a
+// pointer's number that holds no single offset points at nothing: it stays a
+// plain tag. A pointer past the end of the stream names an IFD that can't be
+// read, which fails like any other sub-IFD that fails.
 int FollowSubIfd(const IfdEntry &entry, int bigEndian, CStreamIO *stream, CDocBuilder *builder)
 {
-    int32_t *seen = entry.tag == 34665 ? &builder->m_doc->m_seenExifIfd
-                    : entry.tag == 34853 ? &builder->m_doc->m_seenGpsIfd
-                                         : nullptr;
-    if (seen == nullptr || *seen) return 1;
+    int32_t *seen = SeenFlagOf(builder->m_doc, entry.tag);
+    if (seen == nullptr || *seen || !IsIfdPointer(entry.type, entry.count)) return 1;
     *seen = 1;
     if (int64_t(entry.value) >= builder->m_streamSize) return 0;
     stream->Seek(0, static_cast<int32_t>(entry.value));
@@ -161,6 +170,7 @@ int ParseTiff(CStreamIO *stream, CDocBuilder *builder)
 
     builder->m_doc->m_seenExifIfd = 0;
     builder->m_doc->m_seenGpsIfd = 0;
+    builder->m_doc->m_seenInteropIfd = 0;
     // A link back to an IFD already read, or past the end of the stream, is
     // taken for the end of the chain: cameras leave junk in the last link,
     // and what was read so far is worth keeping.

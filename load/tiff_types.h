@@ -33,4 +33,11 @@ int64_t EntryDataSize(uint32_t type, uint32_t count);
 // 1 when a value of that type and count stands in the entry's 4-byte field.
 int ValueFitsEntry(uint32_t type, uint32_t count);
 
+// The type of an entry that is the offset of an IFD, beside LONG.
+constexpr uint32_t TIFF_IFD = 13;
+
+// 1 when an entry of that type and count can point at an IFD: one LONG or
+// one IFD-typed value. A pointer tag of another form points at nothing.
+int IsIfdPointer(uint32_t type, uint32_t count);
+
 #endif

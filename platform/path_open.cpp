@@ -36,16 +36,20 @@ int IsDirectory(int file)
 
 // A 16-bit path read as a narrow string is often just "/", which opens as a
 // directory; where the 16-bit reading is possible, a directory doesn't count
-// as the narrow reading's file.
+// as the narrow reading's file. A file to be made would always open under
+// the narrow reading, named by the path's first byte or bytes: there the
+// 16-bit reading goes first, where it is a path.
 int OpenPathDescriptor(const void *path, int flags)
 {
     if (path == nullptr) return -1;
     const char *narrow = static_cast<const char *>(path);
-    int file = OpenDescriptor(narrow, flags);
-    if (!LooksLikeWidePath(narrow)) return file;
-    if (file >= 0 && !IsDirectory(file)) return file;
-    if (file >= 0) close(file);
+    if (!LooksLikeWidePath(narrow)) return OpenDescriptor(narrow, flags);
     std::string converted;
+    int creating = (flags & O_CREAT) != 0;
+    if (creating && Utf16ToUtf8(path, converted)) return OpenDescriptor(converted.c_str(), flags);
+    int file = OpenDescriptor(narrow, flags);
+    if (creating || (file >= 0 && !IsDirectory(file))) return file;
+    if (file >= 0) close(file);
     if (!Utf16ToUtf8(path, converted)) return -1;
     return OpenDescriptor(converted.c_str(), flags);
 }

@@ -79,9 +79,10 @@ void CacheTag(const IfdScan &scan, const IfdEntry &entry, const unsigned char *f
     StoreValue(scan.m_reader, entry, value);
 }
 
+// A tag of a pointer's number that holds no single offset points at nothing.
 void NoteSubIfd(const IfdScan &scan, const IfdEntry &entry, const unsigned char *field, int32_t *offset)
 {
-    if (EntryDataSize(entry.type, entry.count) == 0) return;
+    if (!IsIfdPointer(entry.type, entry.count)) return;
     scan.m_reader->m_hasExif = 1;
     scan.m_reader->m_tagFound = 1;
     *offset = static_cast<int32_t>(EntryNumber(field, entry.type, entry.count, scan.m_bigEndian));

@@ -38,7 +38,9 @@ int HasPlannedAudio(CExifDoc *doc)
 int WriteAudioSegment(CExifDoc *doc, const CMarker *chunk, CStreamIO *out, int *first)
 {
     int32_t head = *first ? FPXR_HEAD_PAYLOAD : FPXR_HEADER_SIZE;
-    if (chunk->m_size < 0 || chunk->m_offset < 0 || chunk->m_size > MAX_SEGMENT_PAYLOAD - head) return 0;
+    // An audio file of no bytes would give a head without "RIFF", which no
+    // reader takes for audio: that is no annotation to write.
+    if (chunk->m_size < 1 || chunk->m_offset < 0 || chunk->m_size > MAX_SEGMENT_PAYLOAD - head) return 0;
     unsigned char prefix[2 + LENGTH_FIELD_SIZE + FPXR_HEADER_SIZE] = {0xFF, FPXR_MARKER};
     WriteU16BE(prefix + 2, static_cast<uint16_t>(chunk->m_size + head + LENGTH_FIELD_SIZE));
     MakeHeader(prefix + 2 + LENGTH_FIELD_SIZE, chunk->m_offset);

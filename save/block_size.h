@@ -7,15 +7,16 @@
 
 class CNode;
 
-// The sizes follow the same plan as CExifWriter, so they count exactly what
-// it writes: dropped entries not at all, sub-IFDs at any depth, strip arrays
-// and bulk data. -1 when the writer would refuse the chain.
+// The sizes are what a CExifWriter without a stream lays out, so they count
+// exactly what it writes: dropped entries not at all, sub-IFDs at any depth,
+// strip arrays and bulk data. -1 when the writer would refuse the chain.
 
 // Bytes of one IFD, owner an IFD node or a pointer tag, with everything that
 // hangs behind it; 0 for one without entries, which isn't written.
 int64_t ComputeIfdSize(const BlockSource &source, CNode *owner, int depth);
 
-// Bytes of the whole block behind the header node; 0 without one.
-int64_t ComputeExifSize(const BlockSource &source, CNode *header);
+// Bytes of the whole block behind the header node, its maker note kept in
+// place or not; 0 without a header.
+int64_t ComputeExifSize(const BlockSource &source, CNode *header, int keepMakerNote = 1);
 
 #endif

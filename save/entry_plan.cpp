@@ -112,9 +112,20 @@ int ValueIsWritable(const CTag *tag)
     return size == 0 || (tag->m_data != nullptr && tag->m_size >= size);
 }
 
+// A reader stops at an entry of type 0, so writing one would make the whole
+// file unreadable; no value can be held in it anyway.
+int DecideValue(const CTag *tag)
+{
+    if (IsUnmovableOffset(tag->m_id) || tag->m_type == 0) return DECIDE_DROP;
+    return ValueIsWritable(tag) ? ROLE_VALUE : DECIDE_FAIL;
+}
+
+// A pointer whose IFD the tree doesn't hold would name stale bytes and goes;
+// a tag of a pointer's number that holds no single offset points at nothing
+// and stays as it is.
 int DecidePointer(CTag *tag, const BlockSource &source, int depth)
 {
-    if (!HasSubIfdChain(tag)) return DECIDE_DROP;
+    if (!HasSubIfdChain(tag)) return IsIfdPointer(tag->m_type, uint32_t(tag->m_count)) ? DECIDE_DROP : DecideValue(tag);
     ChainPlan sub;
     if (!PlanChain(tag, source, depth + 1, &sub)) return DECIDE_FAIL;
     return sub.m_entries.empty() ? DECIDE_DROP : ROLE_SUB_IFD;
@@ -153,10 +164,7 @@ int Decide(CTag *tag, CNode *owner, const BlockSource &source, int depth, const 
     case TAG_STREAM_LENGTH:
         return DecideStreamLength(tag, owner, plan);
     default:
-        // A reader stops at an entry of type 0, so writing one would make the
-        // whole file unreadable; no value can be held in it anyway.
-        if (IsUnmovableOffset(tag->m_id) || tag->m_type == 0) return DECIDE_DROP;
-        return ValueIsWritable(tag) ? ROLE_VALUE : DECIDE_FAIL;
+        return DecideValue(tag);
     }
 }
 

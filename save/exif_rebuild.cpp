@@ -24,24 +24,34 @@ int HasOldBlock(const CMarker *marker)
 
 // The bulk data of the old payload is copied as the writer asks for it; a
 // thumbnail that lies outside it is left out, never read from elsewhere.
-int WriteNewBlock(CNode *header, const BlockSource &source, unsigned char *block, int64_t size)
+int WriteNewBlock(CNode *header, const BlockSource &source, unsigned char *block, int64_t size, int keepMakerNote)
 {
     CStreamObj out(block + EXIF_SIGNATURE_SIZE, static_cast<int32_t>(size));
-    CExifWriter writer(&out, source);
+    CExifWriter writer(&out, source, keepMakerNote);
     return writer.WriteTiff(header) && writer.m_end == size;
 }
 
+int FitsSegment(int64_t size)
+{
+    return size >= 1 && size + EXIF_SIGNATURE_SIZE <= MAX_SEGMENT_PAYLOAD;
+}
+
+// A maker note kept at its old offset may push the block past one segment
+// where edits grew what goes in front of it; the note then moves, as the
+// only way to save the block at all.
 int BuildPayload(CExifDoc *doc, CMarker *marker, CNode *header, const BlockSource &source,
                  unsigned char **payload, int32_t *payloadSize)
 {
     if (!LoadStripThumbnail(doc, header) || !BringThumbnailIn(doc, source, marker)) return 0;
-    int64_t size = ComputeExifSize(source, header);
-    if (size < 1 || size + EXIF_SIGNATURE_SIZE > MAX_SEGMENT_PAYLOAD) return 0;
+    int keepMakerNote = 1;
+    int64_t size = ComputeExifSize(source, header, keepMakerNote);
+    if (!FitsSegment(size)) size = ComputeExifSize(source, header, keepMakerNote = 0);
+    if (!FitsSegment(size)) return 0;
     int32_t total = static_cast<int32_t>(size + EXIF_SIGNATURE_SIZE);
     unsigned char *block = new (std::nothrow) unsigned char[static_cast<size_t>(total)]();
     if (block == nullptr) return 0;
     std::memcpy(block, EXIF_SIGNATURE, EXIF_SIGNATURE_SIZE);
-    if (!WriteNewBlock(header, source, block, size)) {
+    if (!WriteNewBlock(header, source, block, size, keepMakerNote)) {
         delete[] block;
         return 0;
     }

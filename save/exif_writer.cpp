@@ -1,12 +1,14 @@
 #include "save/exif_writer.h"
 
 #include <cstddef>
+#include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
 
 #include "load/tiff_types.h"
 #include "save/checked_io.h"
+#include "save/kept_note.h"
 #include "save/value_layout.h"
 #include "tree/node.h"
 
@@ -19,6 +21,7 @@ constexpr int64_t COUNT_SIZE = 2;
 constexpr int64_t LINK_SIZE = 4;
 constexpr int64_t SLOT_OFFSET = 8;
 constexpr uint16_t TIFF_MAGIC = 42;
+constexpr uint32_t HEADER_BIG_ENDIAN = 1;
 
 void StoreU16(unsigned char *p, uint32_t v)
 {
@@ -46,47 +49,63 @@ struct CExifWriter::ChainSlots {
 // whose IFDs are all empty says it has none.
 int CExifWriter::WriteTiff(CNode *header)
 {
+    m_bigEndianSource = header->m_value == HEADER_BIG_ENDIAN;
+    if (m_keepMakerNote && FindKeptNote(header, m_source.m_size, &m_note) &&
+        !CopyFromSource(m_note.m_offset, m_note.m_offset, m_note.m_size)) {
+        return 0;
+    }
     if (!WriteHeader()) return 0;
     int64_t link = FIRST_IFD_FIELD;
-    int64_t pos = HEADER_SIZE;
+    int64_t cursor = HEADER_SIZE;
     for (CNode *ifd : IfdsOfBlock(header)) {
-        int64_t end = 0;
+        int64_t start = -1;
         int64_t linkPos = -1;
-        if (!WriteIfd(ifd, pos, 0, &end, &linkPos)) return 0;
-        if (linkPos < 0) continue;
-        if (!WriteNextIfd(link, pos)) return 0;
+        if (!WriteIfd(ifd, &cursor, 0, &start, &linkPos)) return 0;
+        if (start < 0) continue;
+        if (!WriteNextIfd(link, start)) return 0;
         link = linkPos;
-        pos = end;
     }
     return 1;
 }
 
-int CExifWriter::WriteIfd(CNode *owner, int64_t at, int depth, int64_t *end, int64_t *linkPos)
+int CExifWriter::WriteIfd(CNode *owner, int64_t *cursor, int depth, int64_t *start, int64_t *linkPos)
 {
     ChainPlan plan;
     if (!PlanChain(owner, m_source, depth, &plan)) return 0;
-    *end = at;
+    *start = -1;
     *linkPos = -1;
     if (plan.m_entries.empty()) return 1;
     int64_t count = static_cast<int64_t>(plan.m_entries.size());
+    int64_t at = Take(cursor, COUNT_SIZE + ENTRY_SIZE * count + LINK_SIZE);
     int64_t link = at + COUNT_SIZE + ENTRY_SIZE * count;
-    int64_t dataPos = link + LINK_SIZE;
+    int64_t *dataPos = cursor;
     ChainSlots slots;
     if (!PutU16(at, static_cast<uint32_t>(count))) return 0;
     for (int64_t k = 0; k < count; k++) {
         int64_t pos = at + COUNT_SIZE + ENTRY_SIZE * k;
-        if (!WriteEntry(plan, plan.m_entries[static_cast<size_t>(k)], pos, &dataPos, &slots)) return 0;
+        if (!WriteEntry(plan, plan.m_entries[static_cast<size_t>(k)], pos, dataPos, &slots)) return 0;
     }
     if (!WriteNextIfd(link, 0)) return 0;
     for (CTag *pointer : plan.m_subIfds) {
         for (const auto &slot : slots.m_subIfds) {
-            if (slot.first == pointer && !WriteSubIfd(pointer, slot.second, depth, &dataPos)) return 0;
+            if (slot.first == pointer && !WriteSubIfd(pointer, slot.second, depth, dataPos)) return 0;
         }
     }
-    if (!WriteThumbnail(plan, slots, &dataPos) || !WriteStrips(plan, slots, &dataPos)) return 0;
-    *end = dataPos;
+    if (!WriteThumbnail(plan, slots, dataPos) || !WriteStrips(plan, slots, dataPos)) return 0;
+    *start = at;
     *linkPos = link;
     return 1;
+}
+
+// The first place of size bytes from *cursor on that keeps off the maker
+// note; *cursor moves behind it.
+int64_t CExifWriter::Take(int64_t *cursor, int64_t size)
+{
+    int64_t at = *cursor;
+    int64_t noteEnd = m_note.m_offset + m_note.m_size;
+    if (m_note.m_tag != nullptr && size > 0 && at < noteEnd && at + size > m_note.m_offset) at = noteEnd;
+    *cursor = at + size;
+    return at;
 }
 
 int CExifWriter::WriteHeader()
@@ -128,37 +147,46 @@ int CExifWriter::WriteEntry(const ChainPlan &plan, const PlannedEntry &entry, in
     uint32_t count = static_cast<uint32_t>(tag->m_count);
     if (FitsInline(tag)) return PutEntry(pos, tag->m_id, tag->m_type, count, tag->m_value);
     int64_t size = OutOfLineSize(tag);
-    if (!PutEntry(pos, tag->m_id, tag->m_type, count, static_cast<uint32_t>(*dataPos))) return 0;
-    if (!Put(*dataPos, tag->m_data, size)) return 0;
-    *dataPos += size;
-    return 1;
+    int64_t at = IsKeptInPlace(m_note, tag) ? int64_t(tag->m_value) : Take(dataPos, size);
+    if (!PutEntry(pos, tag->m_id, tag->m_type, count, static_cast<uint32_t>(at))) return 0;
+    return tag == m_note.m_tag && m_bigEndianSource ? PutTurnedNote(at, size) : Put(at, tag->m_data, size);
+}
+
+int CExifWriter::PutTurnedNote(int64_t at, int64_t size)
+{
+    unsigned char *note = new (std::nothrow) unsigned char[static_cast<size_t>(size)];
+    if (note == nullptr) return 0;
+    std::memcpy(note, m_note.m_tag->m_data, static_cast<size_t>(size));
+    TurnNoteLittleEndian(note, size, at);
+    int ok = Put(at, note, size);
+    delete[] note;
+    return ok;
 }
 
 // Strip tags become LONGs whatever type the source gave them: a SHORT can't
 // hold the offsets of a larger file.
 int CExifWriter::WriteImageEntry(CTag *tag, int32_t strips, int64_t pos, int64_t *dataPos, int64_t *arrayPos)
 {
-    *arrayPos = strips > 1 ? *dataPos : 0;
-    if (strips > 1) *dataPos += 4 * int64_t(strips);
+    *arrayPos = strips > 1 ? Take(dataPos, 4 * int64_t(strips)) : 0;
     return PutEntry(pos, tag->m_id, TIFF_LONG, static_cast<uint32_t>(strips), static_cast<uint32_t>(*arrayPos));
 }
 
 int CExifWriter::WriteSubIfd(CTag *pointer, int64_t entryPos, int depth, int64_t *dataPos)
 {
-    if (!PutU32(entryPos + SLOT_OFFSET, static_cast<uint32_t>(*dataPos))) return 0;
+    int64_t start = -1;
     int64_t linkPos = -1;
-    return WriteIfd(pointer, *dataPos, depth + 1, dataPos, &linkPos);
+    if (!WriteIfd(pointer, dataPos, depth + 1, &start, &linkPos)) return 0;
+    return start < 0 || PutU32(entryPos + SLOT_OFFSET, static_cast<uint32_t>(start));
 }
 
 int CExifWriter::WriteThumbnail(const ChainPlan &plan, const ChainSlots &slots, int64_t *dataPos)
 {
     CTag *stream = plan.m_stream;
     if (stream == nullptr || slots.m_stream < 0) return 1;
-    if (!PutU32(slots.m_stream + SLOT_OFFSET, static_cast<uint32_t>(*dataPos))) return 0;
-    int ok = stream->m_data != nullptr ? Put(*dataPos, stream->m_data, plan.m_streamSize)
-                                       : CopyFromSource(*dataPos, plan.m_streamOffset, plan.m_streamSize);
-    *dataPos += plan.m_streamSize;
-    return ok;
+    int64_t at = Take(dataPos, plan.m_streamSize);
+    if (!PutU32(slots.m_stream + SLOT_OFFSET, static_cast<uint32_t>(at))) return 0;
+    return stream->m_data != nullptr ? Put(at, stream->m_data, plan.m_streamSize)
+                                     : CopyFromSource(at, plan.m_streamOffset, plan.m_streamSize);
 }
 
 // The strips follow each other in the order of the list, whatever their
@@ -178,10 +206,10 @@ int CExifWriter::WriteStrips(const ChainPlan &plan, const ChainSlots &slots, int
     int32_t k = 0;
     for (CNode *node = plan.m_strips->m_child; ok && node != nullptr; node = node->m_next, k++) {
         const CTag *strip = static_cast<const CTag *>(node);
-        offsets[k] = static_cast<uint32_t>(*dataPos);
+        int64_t at = Take(dataPos, strip->m_size);
+        offsets[k] = static_cast<uint32_t>(at);
         counts[k] = static_cast<uint32_t>(strip->m_size);
-        ok = CopyFromSource(*dataPos, strip->m_offset, strip->m_size);
-        *dataPos += strip->m_size;
+        ok = CopyFromSource(at, strip->m_offset, strip->m_size);
     }
     ok = ok && WriteStripArray(slots.m_offsetsEntry, slots.m_offsetsArray, offsets, count) &&
          WriteStripArray(slots.m_countsEntry, slots.m_countsArray, counts, count);
@@ -207,7 +235,7 @@ int CExifWriter::Put(int64_t pos, const void *data, int64_t size)
 {
     if (pos < 0 || size < 0 || pos + size > INT32_MAX) return 0;
     if (size == 0) return 1;
-    if (!MoveTo(pos) || !WriteAll(m_out, data, size)) return 0;
+    if (m_out != nullptr && (!MoveTo(pos) || !WriteAll(m_out, data, size))) return 0;
     m_cursor = pos + size;
     if (m_cursor > m_end) m_end = m_cursor;
     return 1;
@@ -241,7 +269,8 @@ int CExifWriter::PutEntry(int64_t pos, int32_t tag, uint32_t type, uint32_t coun
 int CExifWriter::CopyFromSource(int64_t pos, int64_t offset, int64_t size)
 {
     if (size == 0) return 1;
-    if (pos + size > INT32_MAX || !MoveTo(pos) || !CopyBytes(m_source.m_stream, offset, size, m_out)) return 0;
+    if (pos + size > INT32_MAX) return 0;
+    if (m_out != nullptr && (!MoveTo(pos) || !CopyBytes(m_source.m_stream, offset, size, m_out))) return 0;
     m_cursor = pos + size;
     if (m_cursor > m_end) m_end = m_cursor;
     return 1;

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "save/entry_plan.h"
+#include "save/kept_note.h"
 
 class CNode;
 class CStreamIO;
@@ -14,23 +15,28 @@ class CStreamIO;
 // link, behind the link its data area: the out-of-line values in entry order
 // (the arrays of a multi-strip image among them), its sub-IFDs in the order
 // Exif, GPS, Interop, each laid out the same way, then its JPEG stream, then
-// its strips. The next IFD follows the data area. No byte is padded, and
-// every write is positioned and checked: a block that doesn't fit its stream
-// fails instead of being clipped.
+// its strips. The next IFD follows the data area. No byte is padded, but for
+// one exception: a maker note keeps the offset it had in the source, since
+// many makers' notes count their own offsets from the block's header, and
+// whatever would fall on it goes behind it. Every write is positioned and
+// checked: a block that doesn't fit its stream fails instead of being
+// clipped. A writer without a stream writes nothing and only measures.
 class CExifWriter {
 public:
-    CExifWriter(CStreamIO *out, const BlockSource &source) : m_out(out), m_source(source) {}
+    CExifWriter(CStreamIO *out, const BlockSource &source, int keepMakerNote = 1)
+        : m_out(out), m_source(source), m_keepMakerNote(keepMakerNote) {}
 
     // The whole block of the NODE_TIFF_HEADER node header and the IFDs behind
     // it. An IFD left without entries is not written: a reader refuses an
     // IFD of none. Returns 1, or 0 on any failure.
     int WriteTiff(CNode *header);
 
-    // One IFD (owner is an IFD node or a pointer tag) whose entry count goes
-    // at `at`. Sets *end behind its data area and *linkPos on its link, which
-    // is written as 0. An owner without entries writes nothing: *end is `at`
-    // and *linkPos -1. Returns 1, or 0 on any failure.
-    int WriteIfd(CNode *owner, int64_t at, int depth, int64_t *end, int64_t *linkPos);
+    // One IFD (owner is an IFD node or a pointer tag), its table at the first
+    // free place from *cursor on, its data area behind; *cursor moves behind
+    // all of it. Sets *start on its entry count and *linkPos on its link,
+    // which is written as 0. An owner without entries writes nothing: both
+    // are -1. Returns 1, or 0 on any failure.
+    int WriteIfd(CNode *owner, int64_t *cursor, int depth, int64_t *start, int64_t *linkPos);
 
     int64_t m_end = 0;  // behind the last byte written
 
@@ -44,6 +50,8 @@ private:
                    ChainSlots *slots);
     int WriteImageEntry(CTag *tag, int32_t strips, int64_t pos, int64_t *dataPos, int64_t *arrayPos);
     int WriteSubIfd(CTag *pointer, int64_t entryPos, int depth, int64_t *dataPos);
+    int PutTurnedNote(int64_t at, int64_t size);
+    int64_t Take(int64_t *cursor, int64_t size);
     int WriteThumbnail(const ChainPlan &plan, const ChainSlots &slots, int64_t *dataPos);
     int WriteStrips(const ChainPlan &plan, const ChainSlots &slots, int64_t *dataPos);
     int WriteStripArray(int64_t entryPos, int64_t arrayPos, const uint32_t *values, int32_t count);
@@ -57,6 +65,9 @@ private:
 
     CStreamIO *m_out;
     BlockSource m_source;
+    int m_keepMakerNote;
+    KeptNote m_note;
+    int m_bigEndianSource = 0;
     int64_t m_cursor = 0;  // where m_out stands
 };
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "support/files.h"
@@ -187,6 +189,23 @@ TEST(AudioFiles, GoesBehindApp0WithoutApp1)
     EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE2, 0xDB, 161, 0xD9}), MarkerCodes(*saved));
 }
 
+// A file to be made under a 16-bit name gets that name, not the one its
+// first byte spells as a narrow string.
+TEST(AudioFiles, AreWrittenUnderSixteenBitNames)
+{
+    TempDir dir;
+    std::string path = dir.Write("photo.jpg", FileOf(kCases[0]));
+    DocPtr doc(zExifLoadFile(path.c_str()));
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    char cwd[4096];
+    ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
+    ASSERT_EQ(0, chdir(dir.m_path.c_str()));
+    EXPECT_EQ(0, zExifGetAudioFile(doc.get(), Utf16Of(u"d\u00e9.wav").data()));
+    EXPECT_EQ(0, zRExifGetAudioFile(reader.get(), Utf16Of(u"r\u00e9.wav").data()));
+    ASSERT_EQ(0, chdir(cwd));
+    EXPECT_EQ((std::vector<std::string>{"d\xc3\xa9.wav", "photo.jpg", "r\xc3\xa9.wav"}), dir.List());
+}
+
 // Failures are told and change nothing: an output that can't be opened or
 // written, an audio file that is missing or gone by the save, a TIFF file.
 TEST(AudioFiles, FailuresLeaveWhatIsThere)
@@ -201,16 +220,19 @@ TEST(AudioFiles, FailuresLeaveWhatIsThere)
         EXPECT_EQ(-1, zExifGetAudioFile(doc.get(), out)) << out;
     }
     EXPECT_EQ(-1, zExifSetAudioFile(doc.get(), dir.Path("missing.wav").c_str()));
-    std::string wave = dir.Write("voice.wav", RiffWave(100));
-    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), wave.c_str()));
-    std::remove(wave.c_str());
-    EXPECT_EQ(-1, zExifSaveFile(doc.get(), path.c_str()));
-    EXPECT_EQ(before, ReadFile(path));
+    for (bool gone : {true, false}) {
+        std::string wave = dir.Write("voice.wav", gone ? RiffWave(100) : Bytes());
+        ASSERT_EQ(0, zExifSetAudioFile(doc.get(), wave.c_str()));
+        if (gone) std::remove(wave.c_str());
+        EXPECT_EQ(-1, zExifSaveFile(doc.get(), path.c_str())) << (gone ? "gone" : "empty");
+        EXPECT_EQ(before, ReadFile(path));
+        std::remove(wave.c_str());
+    }
     EXPECT_EQ((std::vector<std::string>{"photo.jpg"}), dir.List());
 
     std::string tiff = dir.Write("photo.tif", Layout({false, {{Short(274, 1)}}, {}, {}}));
     DocPtr tiffDoc(zExifLoadFile(tiff.c_str()));
-    wave = dir.Write("voice.wav", RiffWave(100));
+    std::string wave = dir.Write("voice.wav", RiffWave(100));
     EXPECT_EQ(0, zExifSetAudioFile(tiffDoc.get(), wave.c_str()));
     std::remove(wave.c_str());
     EXPECT_EQ(0, zExifSaveFile(tiffDoc.get(), tiff.c_str()));

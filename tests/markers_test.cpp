@@ -114,6 +114,7 @@ TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
     ExifBuffer shortBlock = {good.data(), 13}, null = {nullptr, 20};
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &shortBlock));
     EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &null));
+    EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), nullptr));
     // A block of a header alone is one; a thumbnail that lies outside its
     // block is none.
     Bytes headerOnly = ExifPayload(Layout({false, {}, {}, {}}));

@@ -125,14 +125,6 @@ TEST(CachedFile, AnswersAsTheFileStreamDoes)
     }
 }
 
-Bytes Utf16Of(const std::u16string &text)
-{
-    Bytes out;
-    for (char16_t unit : text) out.insert(out.end(), {uint8_t(unit), uint8_t(unit >> 8)});
-    out.insert(out.end(), {0, 0});
-    return out;
-}
-
 // A path of 16-bit characters is read as one where the narrow reading can't
 // be a path; surrogate pairs become one character, broken ones no path.
 TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
@@ -170,16 +162,14 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     Bytes jpeg = JpegOf({{Ascii(271, "Cam")}});
     std::string name = "\xf0\x9f\x98\x80 \xc3\xa9t\xc3\xa9.jpg";
     dir.Write(name, jpeg);
-    std::u16string wide;
-    for (char c : dir.m_path + "/") wide += char16_t(uint8_t(c));
-    Bytes path = Utf16Of(wide + u"\U0001F600 \u00e9t\u00e9.jpg");
+    Bytes path = dir.WidePath(u"\U0001F600 \u00e9t\u00e9.jpg");
     CExifDoc *doc = zExifLoadFile(path.data());
     EXPECT_NE(nullptr, doc);
     zExifDestroy(doc);
     CExifReader *reader = zRExifBeginRead(path.data());
     EXPECT_NE(nullptr, reader);
     zRExifEndRead(reader);
-    EXPECT_EQ(nullptr, zExifLoadFile(Utf16Of(wide + u"missing.jpg").data()));
+    EXPECT_EQ(nullptr, zExifLoadFile(dir.WidePath(u"missing.jpg").data()));
     EXPECT_EQ(nullptr, zExifLoadFile(nullptr));
 }
 

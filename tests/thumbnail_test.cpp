@@ -14,6 +14,9 @@ const Entry kMake = Ascii(271, "Cam");
 const std::vector<Entry> kIfd0 = {Rational(282, 72, 1), Rational(283, 72, 1), Short(296, 2)};
 const std::vector<Entry> kThumbIfd = {Short(259, 6), Rational(282, 72, 1), Rational(283, 72, 1), Short(296, 2),
                                       Long(513, 0), Long(514, 0)};
+const std::vector<Entry> kTiffThumbIfd = {Long(254, 1),         Long(256, 160),        Long(257, 120),
+                                          Short(259, 6),        Rational(282, 72, 1),  Rational(283, 72, 1),
+                                          Short(296, 2),        Long(513, 0),          Long(514, 0)};
 
 std::vector<RawTag> Tags(const std::vector<std::pair<std::string, std::vector<Entry>>> &ifds)
 {
@@ -22,12 +25,6 @@ std::vector<RawTag> Tags(const std::vector<std::pair<std::string, std::vector<En
         for (const Entry &e : ifd.second) tags.push_back({ifd.first, e.tag, e.type, e.count, e.value});
     }
     return AsSaved(tags);
-}
-
-std::vector<Entry> Plus(Entry first, std::vector<Entry> rest)
-{
-    rest.insert(rest.begin(), first);
-    return rest;
 }
 
 Bytes TiffOf(std::vector<Ifd> chain)
@@ -52,13 +49,13 @@ const ThumbCase kCases[] = {
      JpegOf({{kMake}, {OffsetsOf(513, {0}), Long(514, 100), Short(700, 1)}}, {}, {ThumbnailBytes(100)}),
      Tags({{"IFD0", {kMake}}, {"IFD1", {Long(513, 0), Long(514, 0), Short(700, 1)}}})},
     {"a TIFF gets a reduced image as IFD 1", TiffOf({{kMake}}),
-     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", Plus(Long(254, 1), kThumbIfd)}})},
+     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", kTiffThumbIfd}})},
     {"a TIFF's second page moves behind the new IFD 1", TiffOf({{kMake}, {Long(254, 0)}}),
      Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}},
-           {"IFD1", Plus(Long(254, 1), kThumbIfd)},
+           {"IFD1", kTiffThumbIfd},
            {"IFD2", {Long(254, 0)}}})},
     {"a TIFF's reduced IFD 1 is rebuilt", TiffOf({{kMake}, {Long(254, 1), Short(300, 1)}}),
-     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", Plus(Long(254, 1), kThumbIfd)}})},
+     Tags({{"IFD0", {Short(256, 4), kMake, Long(273, 0), Long(279, 16)}}, {"IFD1", kTiffThumbIfd}})},
 };
 
 // The thumbnail goes where a reader of the saved file finds it, with the
@@ -152,6 +149,12 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
     std::free(out.data);
     ASSERT_EQ(0, zExifDelTag(doc.get(), 513, 1));
     EXPECT_EQ(0, zExifIsThumbnailExist(doc.get())) << "the thumbnail goes with its tag";
+    // A TIFF's IFD 1 needs the image's size, which only a frame header tells.
+    DocPtr tiff(zExifLoadFile(dir.Write("photo.tif", TiffOf({{kMake}})).c_str()));
+    Bytes frameless = ThumbnailBytes(20);
+    ExifBuffer buffer = {frameless.data(), uint32_t(frameless.size())};
+    EXPECT_EQ(-1, zExifSetThumbnailData(tiff.get(), &buffer));
+    EXPECT_EQ(0, zExifIsThumbnailExist(tiff.get()));
 }
 
 // A thumbnail offset without its length, one whose bytes the file or the

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "support/files.h"
 #include "support/tree_records.h"
@@ -121,9 +122,15 @@ TEST(Tool, CommandsChangeWhatTheySay)
     EXPECT_EQ(0, Tool({"audio", "remove", photo}).status);
     EXPECT_EQ(1, Tool({"audio", "extract", photo, dir.Path("none.wav")}).status);
 
-    std::string plain = dir.Write("plain.jpg", JpegOf({}));
+    Bytes xmp = {'h', 't', 't', 'p', ':', '/', '/', 'n', 's', '.', 'a', 'd', 'o', 'b', 'e', 0, '<', 'x', '/', '>'};
+    std::string plain = dir.Write("plain.jpg", Jpeg({{0xE1, ExifPayload(Layout({false, {{Short(274, 3)}}, {}, {}}))},
+                                                     {0xE1, xmp}, {0xDB, Bytes(65, 1)}}, {}));
     EXPECT_EQ(0, Tool({"copy-exif", photo, plain}).status);
     EXPECT_EQ(std::string("Second", 7), Tag(plain, 272));
+    Bytes copied = ReadFile(plain);
+    EXPECT_NE(copied.end(), std::search(copied.begin(), copied.end(), xmp.begin(), xmp.end())) << "XMP stays";
+    RawFile raw = ReadRaw(copied);
+    EXPECT_EQ(2, std::count_if(raw.segments.begin(), raw.segments.end(), [](const RawSegment &s) { return s.code == 0xE1; }));
     EXPECT_EQ(0, Tool({"strip", photo}).status);
     EXPECT_EQ("-", Tag(photo, 272));
     EXPECT_EQ(0, Tool({"remove-marker", plain, "0xE1"}).status);
@@ -134,8 +141,8 @@ TEST(Tool, CommandsChangeWhatTheySay)
 // standard error and 1; every real file dumps.
 TEST(Tool, FailuresAreToldAndCounted)
 {
-    for (const std::vector<std::string> &arguments :
-         std::vector<std::vector<std::string>>{{"frobnicate"}, {"get"}, {"set", "x.jpg", "Make"}, {"thumbnail", "eat", "x"}}) {
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"frobnicate"}, {"get"}, {"set", "x.jpg", "Make"}, {"thumbnail", "eat", "x"}, {"thumbnail"}, {"audio"}}) {
         ToolRun run = Tool(arguments);
         EXPECT_EQ(2, run.status) << arguments[0];
         EXPECT_NE(std::string::npos, run.err.find("--help")) << arguments[0];
@@ -150,6 +157,20 @@ TEST(Tool, FailuresAreToldAndCounted)
         ToolRun run = Tool({"dump", path, "--json"});
         EXPECT_EQ(0, run.status) << path << run.err;
     }
+    // An Exif IFD of no entries, a block that isn't one, a thumbnail of no
+    // bytes: each told, none a crash.
+    std::string tiff = dir.Write("empty.tif", Layout({false, {{Short(274, 1), PointerTo(34665, 0)}}, std::vector<Ifd>(1), {}}));
+    std::string broken = dir.Write("broken.jpg", Jpeg({{0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I'}}}, {}));
+    std::string empty = dir.Write("empty.jpg", JpegOf({{Short(274, 1)}, {Long(513, 8), Long(514, 0)}}));
+    for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
+             {"copy-exif", tiff, dir.Write("into.tif", Layout({false, {{Short(274, 1)}}, {}, {}}))},
+             {"copy-exif", broken, dir.Write("into.jpg", JpegOf({}))},
+             {"thumbnail", "extract", empty, dir.Path("thumb.jpg")}}) {
+        ToolRun run = Tool(arguments);
+        EXPECT_EQ(1, run.status) << arguments[0] << " " << arguments[1];
+        EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir.Path("thumb.jpg")));
 }
 
 }  // namespace

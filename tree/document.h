@@ -49,6 +49,7 @@ struct CExifDoc {
     int32_t m_hasAudio = 0;
     int32_t m_seenExifIfd = 0;
     int32_t m_seenGpsIfd = 0;
+    int32_t m_seenInteropIfd = 0;
     int32_t m_stripThumb = 0;
 };
 

@@ -2,9 +2,22 @@
 
 #include "tree/node.h"
 
+namespace {
+
+constexpr int32_t TAG_INTEROP_IFD = 40965;
+
+// The Interop IFD is kept for the save, but no lookup may meet its tags:
+// their numbers 1 and 2 are those of GPS tags.
+int IsWalkedInto(const CNode *node)
+{
+    return node->m_child != nullptr && !(node->m_id == TAG_INTEROP_IFD && dynamic_cast<const CTag *>(node) != nullptr);
+}
+
+}  // namespace
+
 CNode *NextInWalk(CNode *node, const CNode *bound)
 {
-    if (node->m_child != nullptr) return node->m_child;
+    if (IsWalkedInto(node)) return node->m_child;
     while (node->m_next == nullptr) {
         node = node->m_parent;
         if (node == bound || node == nullptr) return nullptr;

@@ -7,8 +7,9 @@ class CNode;
 class CTag;
 
 // The first node with that id in a pre-order walk from start: start itself,
-// its subtree, then its later siblings with theirs; never upwards. The walk
-// climbs back through m_parent instead of recursing, so it needs no stack.
+// its subtree, then its later siblings with theirs; never upwards, and never
+// into the Interop IFD below a tag 40965. The walk climbs back through
+// m_parent instead of recursing, so it needs no stack.
 CNode *FindNode(CNode *start, int32_t id);
 
 // The node behind node in that walk, which never climbs to bound (the parent

@@ -67,6 +67,21 @@ std::vector<std::string> TempDir::List() const
     return names;
 }
 
+Bytes TempDir::WidePath(const std::u16string &name) const
+{
+    std::u16string wide;
+    for (char c : m_path + "/") wide += char16_t(uint8_t(c));
+    return Utf16Of(wide + name);
+}
+
+Bytes Utf16Of(const std::u16string &text)
+{
+    Bytes out;
+    for (char16_t unit : text) out.insert(out.end(), {uint8_t(unit), uint8_t(unit >> 8)});
+    out.insert(out.end(), {0, 0});
+    return out;
+}
+
 Bytes ReadFile(const std::string &path)
 {
     std::ifstream in(path, std::ios::binary);

@@ -19,11 +19,16 @@ public:
     std::string Write(const std::string &name, const Bytes &bytes) const;
     // Names in the directory, sorted.
     std::vector<std::string> List() const;
+    // The path of name in the directory in 16-bit characters (the
+    // directory's bytes widened one by one).
+    Bytes WidePath(const std::u16string &name) const;
 
     std::string m_path;
 };
 
 Bytes ReadFile(const std::string &path);
+// text in little-endian 16-bit characters, with a 16-bit NUL.
+Bytes Utf16Of(const std::u16string &text);
 
 // The real camera files: the folder named by ZEXIF_SAMPLES, else the one
 // beside the repository. Every .jpg and .tif(f) below it, sorted; empty when

@@ -356,9 +356,11 @@ Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs, const 
 
 Bytes ThumbnailBytes(size_t size, uint8_t seed)
 {
+    static const Bytes frame = {0xFF, 0xC0, 0, 17, 8, 0, 120, 0, 160, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};
     Bytes out(size < 4 ? 4 : size, 0);
     for (size_t i = 0; i < out.size(); i++) out[i] = uint8_t((i * 7 + seed) % 0xFE);
     out[0] = 0xFF, out[1] = 0xD8;
+    if (out.size() >= frame.size() + 4) std::copy(frame.begin(), frame.end(), out.begin() + 2);
     out[out.size() - 2] = 0xFF, out[out.size() - 1] = 0xD9;
     return out;
 }
@@ -375,8 +377,22 @@ Block RandomBlock(std::mt19937 &rng, bool tiffFile)
         exifPool.insert(exifPool.end(), {42032, 42033, 59932});
         block.subs.push_back(RandomIfd(rng, exifPool, 8));
         ifd0.push_back(PointerTo(34665, int(block.subs.size()) - 1));
+        if (Pick(rng, 2) == 0) {
+            block.subs.push_back({Ascii(1, "R98"), Typed(2, 7, 4, {'0', '1', '0', '0'})});
+            block.subs[block.subs.size() - 2].push_back(PointerTo(40965, int(block.subs.size()) - 1));
+        }
     }
-    if (Pick(rng, 2) == 0) {
+    if (!block.subs.empty() && Pick(rng, 4) == 0) {
+        // A GPS pointer of no IFD pointer's form, whose value happens to be
+        // the Exif IFD's offset.
+        Entry odd = PointerTo(34853, 0);
+        if (Pick(rng, 2) == 0) {
+            odd.count = 0;
+        } else {
+            odd.type = 3;
+        }
+        ifd0.push_back(odd);
+    } else if (Pick(rng, 2) == 0) {
         std::vector<uint16_t> gpsPool;
         for (uint16_t tag = 0; tag < 32; tag++) gpsPool.push_back(tag);
         block.subs.push_back(RandomIfd(rng, gpsPool, 8));

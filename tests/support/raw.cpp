@@ -17,7 +17,7 @@ struct TiffReader {
     bool be = false;
     int64_t *budget;
     std::vector<RawTag> *tags;
-    bool seenExif = false, seenGps = false;
+    bool seenExif = false, seenGps = false, seenInterop = false;
 
     int64_t Size() const { return int64_t(file.size()) - base; }
     bool Has(int64_t at, int64_t n) const { return at >= 0 && at + n <= Size(); }
@@ -85,8 +85,8 @@ struct TiffReader {
             record.value = Fetch(offset, bytes, type);
         }
         tags->push_back(record);
-        bool *seen = tag == 34665 ? &seenExif : tag == 34853 ? &seenGps : nullptr;
-        if (seen == nullptr || *seen) return true;
+        bool *seen = tag == 34665 ? &seenExif : tag == 34853 ? &seenGps : tag == 40965 ? &seenInterop : nullptr;
+        if (seen == nullptr || *seen || (type != 4 && type != 13) || count != 1) return true;
         *seen = true;
         uint32_t target = offset;
         if (inEntry && size == 2) target = U16(field) | (U16(field + 2) << 16);
@@ -97,11 +97,12 @@ struct TiffReader {
         return int64_t(target) < Size() && Ifd(target, place + "/" + std::to_string(tag), &link) && link <= 0x7FFFFFFFu;
     }
 
-    bool Block(const std::string &prefix)
+    bool Block(const std::string &prefix, bool *bigEndian)
     {
         if (!Has(0, 8) || file[size_t(base)] != file[size_t(base + 1)]) return false;
         if (file[size_t(base)] != 'I' && file[size_t(base)] != 'M') return false;
         be = file[size_t(base)] == 'M';
+        if (prefix.empty()) *bigEndian = be;
         if (*budget < 0) *budget = 4 * Size() + kBudgetExtra;
         std::set<uint32_t> visited;
         uint32_t offset = U32(4);
@@ -154,7 +155,7 @@ struct JpegWalk {
             TiffReader tiff{file, at + 8, false, &budget, &raw.tags};
             std::string prefix = blocks == 0 ? "" : "APP1#" + std::to_string(blocks) + ":";
             blocks++;
-            if (!tiff.Block(prefix)) return -2;
+            if (!tiff.Block(prefix, &raw.bigEndian)) return -2;
         }
         return at + length;
     }
@@ -283,7 +284,7 @@ RawFile ReadRaw(const Bytes &file)
         raw.format = 2;
         int64_t budget = -1;
         TiffReader tiff{file, 0, false, &budget, &raw.tags};
-        raw.loads = tiff.Block("");
+        raw.loads = tiff.Block("", &raw.bigEndian);
         ReadImages(file, raw);
     }
     const RawTag *offset = Find(raw.tags, "IFD1", 513), *length = Find(raw.tags, "IFD1", 514);
@@ -293,16 +294,17 @@ RawFile ReadRaw(const Bytes &file)
     return raw;
 }
 
-std::vector<RawTag> AsSaved(const std::vector<RawTag> &tags)
+std::vector<RawTag> AsSaved(const std::vector<RawTag> &tags, bool bigEndian)
 {
-    static const std::set<uint16_t> dropped = {288, 289, 330, 519, 520, 521, 40965};
-    static const std::set<uint16_t> offsets = {34665, 34853, 273, 279, 324, 325, 513, 514};
+    static const std::set<uint16_t> dropped = {288, 289, 330, 519, 520, 521};
+    static const std::set<uint16_t> offsets = {34665, 34853, 40965, 273, 279, 324, 325, 513, 514};
     std::vector<RawTag> out;
     for (RawTag tag : tags) {
         if (dropped.count(tag.tag)) continue;
+        if (bigEndian && tag.tag == 37500) tag.value.clear();
         if (offsets.count(tag.tag)) {
             tag.value.clear();
-            if (tag.tag != 34665 && tag.tag != 34853) tag.type = 0;
+            if (tag.tag != 34665 && tag.tag != 34853 && tag.tag != 40965) tag.type = 0;
         }
         out.push_back(tag);
     }

@@ -39,6 +39,7 @@ std::ostream &operator<<(std::ostream &out, const RawSegment &segment);
 
 struct RawFile {
     int format = 0;  // 1 JPEG, 2 TIFF, 0 neither
+    bool bigEndian = false;  // of the first TIFF block
     bool loads = false;  // a load of these bytes succeeds
     std::vector<RawSegment> segments;
     std::vector<RawTag> tags;  // every IFD in pre-order: a sub-IFD right behind its pointer
@@ -49,8 +50,9 @@ RawFile ReadRaw(const Bytes &file);
 
 // The tags whose values are offsets a save assigns anew lose their value
 // (and strip tags their type, which the save makes LONG); those a save
-// leaves out by design go, with everything below them.
-std::vector<RawTag> AsSaved(const std::vector<RawTag> &tags);
+// leaves out by design go, with everything below them. The maker note of a
+// big-endian block loses its value too: a save turns its IFD little-endian.
+std::vector<RawTag> AsSaved(const std::vector<RawTag> &tags, bool bigEndian = false);
 
 // The value of tag as a number (SHORT or LONG, first element).
 uint32_t FirstNumber(const RawTag &tag);

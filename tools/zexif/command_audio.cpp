@@ -42,7 +42,7 @@ int Remove(const std::string &path, const std::string &out)
 int RunAudio(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (!ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed)) return EXIT_USAGE;
+    if (arguments.empty() || !ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed)) return EXIT_USAGE;
     const std::vector<std::string> &files = parsed.positional;
     const std::string &action = arguments[0], out = parsed.Value("-o", "");
     if (action == "extract" && files.size() == 2 && !parsed.Has("-o")) return Extract(files[0], files[1]);

@@ -1,6 +1,9 @@
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include "edit/marker_chain.h"
+#include "tree/document.h"
 #include "tools/zexif/arguments.h"
 #include "tools/zexif/command.h"
 #include "tools/zexif/edit_session.h"
@@ -8,8 +11,6 @@
 #include "zexif.h"
 
 namespace {
-
-constexpr int MARKER_APP1 = 0xE1;
 
 void FreeTagList(TifTagList *list)
 {
@@ -21,22 +22,36 @@ void FreeTagList(TifTagList *list)
     std::free(list);
 }
 
-// The target's own APP1 segments go first, so that the copy replaces them
-// rather than standing beside them.
+// The Exif APP1 segments that stand beside the document's own block.
+void RemoveOlderExifSegments(CExifDoc *doc)
+{
+    for (CNode *node = doc->m_root; node != nullptr;) {
+        CNode *next = node->m_next;
+        bool exif = node->m_id == MARKER_APP1 && node->m_sig != nullptr && std::memcmp(node->m_sig, "Exif", 4) == 0;
+        if (exif && node != doc->m_exifMarker) RemoveTopLevelNode(doc, node);
+        node = next;
+    }
+}
+
+// The copy goes in front of the target's own Exif APP1 segments, which then
+// go; other APP1 segments (XMP) stay as they are.
 bool CopyJpegExif(CExifReader *reader, CExifDoc *doc)
 {
     ExifBuffer marker{};
     if (zRExifGetExifMarker(reader, &marker) != 0) return false;
-    zExifRemoveMarker(doc, MARKER_APP1, 0);
-    if (zExifInsertExifMarker(doc, &marker) == 0) return true;
-    std::free(marker.data);
-    return false;
+    if (zExifInsertExifMarker(doc, &marker) != 0) {
+        delete[] marker.data;
+        return false;
+    }
+    RemoveOlderExifSegments(doc);
+    return true;
 }
 
+// An Exif IFD without entries comes as no list: there is nothing to copy.
 bool CopyTiffExif(CExifReader *reader, CExifDoc *doc)
 {
     TifTagList *list = nullptr;
-    if (zRExifGetTIFExifData(reader, &list) != 0) return false;
+    if (zRExifGetTIFExifData(reader, &list) != 0 || list == nullptr) return false;
     if (zExifSetTIFExifData(doc, list) == 0) return true;
     FreeTagList(list);
     return false;

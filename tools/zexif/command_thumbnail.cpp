@@ -14,7 +14,7 @@ int Extract(const std::string &path, const std::string &out)
     CExifReader *reader = OpenReader(path);
     if (reader == nullptr) return EXIT_FAILED;
     ExifBuffer thumbnail{};
-    bool done = zRExifGetThumbnailData(reader, &thumbnail) == 0;
+    bool done = zRExifGetThumbnailData(reader, &thumbnail) == 0 && thumbnail.size > 0;
     if (!done) std::fprintf(stderr, "zexif: %s has no thumbnail\n", path.c_str());
     done = done && WriteFileBytes(out, thumbnail.data, thumbnail.size);
     zRExifEndRead(reader);
@@ -49,7 +49,7 @@ int Replace(const std::string &path, const std::string &jpeg, const std::string 
 int RunThumbnail(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (!ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed) ||
+    if (arguments.empty() || !ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed) ||
         parsed.positional.size() != 2) {
         return EXIT_USAGE;
     }
