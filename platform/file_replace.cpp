@@ -111,6 +111,11 @@ int SyncFile(FILE *file)
     return fsync(fileno(file)) == 0;
 }
 
+void StartWriteback(FILE *file)
+{
+    sync_file_range(fileno(file), 0, 0, SYNC_FILE_RANGE_WRITE);
+}
+
 int ReplaceFile(const std::string &temp, const std::string &target)
 {
     if (IsDirectory(target)) return 0;

@@ -13,6 +13,12 @@ FILE *CreateNewFile(const std::string &path);
 // the disk. 1 when both went through.
 int SyncFile(FILE *file);
 
+// Asks the system to start writing what it holds of the file to the disk,
+// without waiting: done while a big file is still being written, the disk
+// works beside the writer, and SyncFile waits only for the last part. A hint,
+// with nothing to fail.
+void StartWriteback(FILE *file);
+
 // Puts temp in the place of target in one step (a rename), so that a reader
 // of target sees the old file or the new one, never a mix. Where the two lie
 // on different file systems, ReplaceByCopy does it. The new file takes over

@@ -13,10 +13,6 @@
 
 namespace {
 
-// Size of the stdio buffer; giving it ourselves spares the fstat that stdio
-// makes to choose one.
-constexpr size_t FILE_BUFFER_SIZE = 16384;
-
 int OpenDescriptor(const char *path, int flags)
 {
     if (FaultStrikes(FAULT_OPEN)) {
@@ -64,6 +60,5 @@ FILE *OpenPath(const void *path, const char *mode)
         close(descriptor);
         return nullptr;
     }
-    std::setvbuf(file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
     return file;
 }

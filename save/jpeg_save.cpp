@@ -18,12 +18,21 @@ int IsMarkerCode(int32_t id)
     return id > 0 && id <= 0xFF;
 }
 
-int WriteSegment(CStreamIO *out, int32_t id, const unsigned char *data, int32_t size)
+int WriteSegmentHead(CStreamIO *out, int32_t id, int32_t size)
 {
     if (!IsMarkerCode(id) || size < 0 || size > MAX_SEGMENT_PAYLOAD) return 0;
     unsigned char prefix[4] = {0xFF, static_cast<unsigned char>(id)};
     WriteU16BE(prefix + 2, static_cast<uint16_t>(size + LENGTH_FIELD_SIZE));
-    return WriteAll(out, prefix, sizeof prefix) && WriteAll(out, data, size);
+    return WriteAll(out, prefix, sizeof prefix);
+}
+
+// A payload still on file is copied from the source a chunk at a time and
+// left there, so that a save of any size holds little of the file; one that
+// can't all be read fails the save rather than be written short.
+int WritePayload(CExifDoc *doc, const CMarker *marker, CStreamIO *out)
+{
+    if (marker->m_state == BLOCK_ON_FILE) return CopyBytes(doc->m_stream, marker->m_offset, marker->m_size, out);
+    return (marker->m_size == 0 || marker->m_data != nullptr) && WriteAll(out, marker->m_data, marker->m_size);
 }
 
 int WriteStandalone(CStreamIO *out, int32_t id)
@@ -37,7 +46,7 @@ int WriteRebuiltExif(CExifDoc *doc, CMarker *marker, CStreamIO *out)
     unsigned char *payload = nullptr;
     int32_t size = 0;
     if (!RebuildExifMarker(doc, marker, &payload, &size)) return 0;
-    int ok = WriteSegment(out, MARKER_APP1, payload, size);
+    int ok = WriteSegmentHead(out, MARKER_APP1, size) && WriteAll(out, payload, size);
     delete[] payload;
     return ok;
 }
@@ -47,9 +56,8 @@ int WriteMarker(CExifDoc *doc, CMarker *marker, CStreamIO *out, int *firstAudio)
     if (marker->m_id == MARKER_SOI || marker->m_id == MARKER_EOI) return WriteStandalone(out, marker->m_id);
     if (marker->m_audioChunk) return WriteAudioSegment(doc, marker, out, firstAudio);
     if (marker->m_id == MARKER_APP1 && BlockHeaderOf(marker) != nullptr) return WriteRebuiltExif(doc, marker, out);
-    if (!LoadChecked(marker, doc->m_stream)) return 0;
-    if (marker->m_id == MARKER_SCAN_DATA) return WriteAll(out, marker->m_data, marker->m_size);
-    return WriteSegment(out, marker->m_id, marker->m_data, marker->m_size);
+    if (marker->m_id == MARKER_SCAN_DATA) return WritePayload(doc, marker, out);
+    return WriteSegmentHead(out, marker->m_id, marker->m_size) && WritePayload(doc, marker, out);
 }
 
 }  // namespace

@@ -1,27 +1,67 @@
 #include "streams/file_stream.h"
 
 #include <cerrno>
+#include <cstring>
+#include <new>
 
 #include "platform/fault_point.h"
+#include "platform/file_replace.h"
+#include "platform/read_only_file.h"
 
 CFileObj::~CFileObj()
 {
+    delete[] m_buffer;
     if (m_file != nullptr) std::fclose(m_file);
+}
+
+int CFileObj::MakeReadBuffer()
+{
+    m_buffer = new (std::nothrow) unsigned char[FILE_BUFFER_SIZE];
+    return m_buffer != nullptr;
+}
+
+uint32_t CFileObj::Buffered(const unsigned char **bytes)
+{
+    int64_t skip = m_pos - m_bufferStart;
+    if (skip < 0 || skip >= m_bufferSize) return 0;
+    *bytes = m_buffer + skip;
+    return m_bufferSize - static_cast<uint32_t>(skip);
+}
+
+// The part of a read that the buffer doesn't hold. A read of a buffer's size
+// or more goes to the caller's memory directly: a save copies the scan data
+// in such chunks, and a second copy would gain nothing.
+uint32_t CFileObj::ReadBehindBuffer(unsigned char *buffer, uint32_t size)
+{
+    if (m_buffer == nullptr) return Fail();
+    const int file = fileno(m_file);
+    if (size >= FILE_BUFFER_SIZE) {
+        int64_t got = ReadFileAt(file, m_pos, buffer, size);
+        if (got < 0) return Fail();
+        m_pos += got;
+        return static_cast<uint32_t>(got);
+    }
+    int64_t got = ReadFileAt(file, m_pos, m_buffer, FILE_BUFFER_SIZE);
+    m_bufferStart = m_pos;
+    m_bufferSize = got < 0 ? 0 : static_cast<uint32_t>(got);
+    if (got < 0) return Fail();
+    uint32_t taken = size < m_bufferSize ? size : m_bufferSize;
+    std::memcpy(buffer, m_buffer, taken);
+    m_pos += taken;
+    return taken;
 }
 
 uint32_t CFileObj::Read(void *buffer, uint32_t size)
 {
-    // The JPEG scanners read one byte per call; spare them fread's overhead.
-    if (FaultStrikes(FAULT_READ)) return Fail();
-    if (size == 1) {
-        int c = getc_unlocked(m_file);
-        if (c == EOF) return std::ferror(m_file) ? Fail() : 0;
-        *static_cast<unsigned char *>(buffer) = static_cast<unsigned char>(c);
-        return 1;
-    }
-    size_t got = std::fread(buffer, 1, size, m_file);
-    if (got < size && std::ferror(m_file)) m_failed = 1;
-    return static_cast<uint32_t>(got);
+    unsigned char *out = static_cast<unsigned char *>(buffer);
+    const unsigned char *held = nullptr;
+    uint32_t got = Buffered(&held);
+    if (got > size) got = size;
+    if (got > 0) std::memcpy(out, held, got);
+    m_pos += got;
+    if (got < size) got += ReadBehindBuffer(out + got, size - got);
+    if (got < size) m_eof = 1;
+    return got;
 }
 
 uint32_t CFileObj::Write(const void *buffer, uint32_t size)
@@ -29,12 +69,17 @@ uint32_t CFileObj::Write(const void *buffer, uint32_t size)
     if (FaultStrikes(FAULT_WRITE)) return Fail();
     size_t put = std::fwrite(buffer, 1, size, m_file);
     if (put < size) m_failed = 1;
+    m_notWrittenBack += static_cast<uint32_t>(put);
+    if (m_notWrittenBack >= FILE_WRITEBACK_STEP) {
+        StartWriteback(m_file);
+        m_notWrittenBack = 0;
+    }
     return static_cast<uint32_t>(put);
 }
 
 // A seek in front of the file's start (EINVAL) comes from a damaged offset and
 // is left to the caller; any other failure leaves the position unknown.
-int32_t CFileObj::Seek(int whence, int32_t offset)
+int32_t CFileObj::SeekThroughStdio(int whence, int32_t offset)
 {
     if (FaultStrikes(FAULT_SEEK)) {
         Fail();
@@ -45,14 +90,34 @@ int32_t CFileObj::Seek(int whence, int32_t offset)
     return result;
 }
 
-int32_t CFileObj::Tell()
+int32_t CFileObj::Seek(int whence, int32_t offset)
 {
-    return static_cast<int32_t>(std::ftell(m_file));
+    if (m_buffer == nullptr) return SeekThroughStdio(whence, offset);
+    int64_t target;
+    switch (whence) {
+    case 0: target = offset; break;
+    case 1: target = m_pos + offset; break;
+    case 2: {
+        int64_t size = ReadOnlyFileSize(fileno(m_file));
+        if (size < 0) {
+            Fail();
+            return -1;
+        }
+        target = size + offset;
+        break;
+    }
+    default: return -1;
+    }
+    if (target < 0 || target > INT32_MAX) return -1;
+    m_pos = target;
+    m_eof = 0;
+    return 0;
 }
 
-int CFileObj::IsEof()
+int32_t CFileObj::Tell()
 {
-    return std::feof(m_file);
+    if (m_buffer == nullptr) return static_cast<int32_t>(std::ftell(m_file));
+    return static_cast<int32_t>(m_pos);
 }
 
 int CFileObj::Close()

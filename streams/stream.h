@@ -17,6 +17,11 @@ public:
     // 1 once a read, write or seek went wrong for another reason than the end
     // of the data: what was read since can't be trusted to be the file.
     virtual int HasFailed() { return 0; }
+    // The bytes from the position on that the stream holds in memory, for a
+    // scan that looks at many at once: points *bytes at them and gives their
+    // count, 0 where it holds none. Reads nothing and moves nothing; the
+    // bytes stay valid until the next call on the stream.
+    virtual uint32_t Buffered(const unsigned char **) { return 0; }
     virtual ~CStreamIO() = default;
 };
 

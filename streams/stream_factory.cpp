@@ -16,6 +16,10 @@ int CreateFileStream(CStreamIO **stream, const void *path, int mode)
         std::fclose(file);
         return 0;
     }
+    if (mode == STREAM_READ && !obj->MakeReadBuffer()) {
+        delete obj;
+        return 0;
+    }
     // A file fopen has just opened stands at its start already.
     *stream = obj;
     return 1;

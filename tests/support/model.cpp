@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "streams/file_stream.h"
+
 namespace {
 
 size_t ValueSize(const Entry &entry)
@@ -311,14 +313,34 @@ Bytes ScanData(std::mt19937 &rng, size_t size)
         out.push_back(byte);
         if (byte == 0xFF) out.push_back(0x00);
         if (Pick(rng, 97) == 0) out.insert(out.end(), {0xFF, uint8_t(0xD0 + restart++ % 8)});
-        // An APPn segment inside the scan is a segment all the same.
-        if (Pick(rng, 499) == 0) out.insert(out.end(), {0xFF, uint8_t(0xE0 + Pick(rng, 16)), 0, 4, 1, 2});
+        // An APPn segment inside the scan is a segment all the same (none of
+        // the codes that hold Exif or audio).
+        if (Pick(rng, 499) == 0) out.insert(out.end(), {0xFF, uint8_t(0xE3 + Pick(rng, 13)), 0, 4, 1, 2});
     }
     return out;
 }
 
+// Scan data that runs past the first buffer a file stream reads, with a
+// marker split across the buffer's edge: its FF is the buffer's last byte.
+// It is a stuffed byte, a restart or an EOI behind which the scan goes on as
+// trailing bytes. start is the scan's offset in the file.
+Bytes ScanAcrossBuffer(std::mt19937 &rng, size_t start)
+{
+    static const uint8_t codes[] = {0x00, 0xD5, 0xD9};
+    const size_t edge = FILE_BUFFER_SIZE - 1 - start;
+    Bytes out = ScanData(rng, edge);
+    out.resize(edge);
+    if (out.back() == 0xFF) out.back() = 0;
+    out.insert(out.end(), {0xFF, codes[Pick(rng, 3)]});
+    Bytes rest = ScanData(rng, 100);
+    out.insert(out.end(), rest.begin(), rest.end());
+    return out;
+}
+
 // Bytes between segments that count as image data: fill, a stuffed byte and
-// each marker that has no length.
+// each marker that has no length. In a JPEG they are followed by a segment of
+// code 255 with no payload: before the first scan any code that isn't data
+// opens a segment.
 Bytes DataBetweenSegments(std::mt19937 &rng)
 {
     static const uint8_t codes[] = {0x00, 0xD0, 0xD1, 0xD2, 0xD3, 0xD4, 0xD5, 0xD6, 0xD7, 0xDC, 0xDE, 0xDF};
@@ -338,11 +360,12 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     if (Pick(rng, 3) == 0) {
         Bytes data = DataBetweenSegments(rng);
         out.insert(out.end(), data.begin(), data.end());
+        AppendSegment(out, {0xFF, {}});
     }
     AppendSegment(out, {0xC0, {8, 0, 16, 0, 16, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1}});
     AppendSegment(out, {0xC4, RandomBytes(rng, 29)});
     AppendSegment(out, {0xDA, {3, 1, 0, 2, 0x11, 3, 0x11, 0, 0x3F, 0}});
-    Bytes scan = ScanData(rng, size_t(200 + Pick(rng, 2000)));
+    Bytes scan = Pick(rng, 3) == 0 ? ScanAcrossBuffer(rng, out.size()) : ScanData(rng, size_t(200 + Pick(rng, 2000)));
     out.insert(out.end(), scan.begin(), scan.end());
     out.insert(out.end(), {0xFF, 0xD9});
     return out;

@@ -62,7 +62,8 @@ Bytes ExifPayload(const Bytes &block);  // "Exif", two NULs, the block
 Bytes Jpeg(const std::vector<Segment> &segments, const Bytes &scan);
 // A JPEG as a camera writes one: APP0, an Exif APP1 around block (none when
 // empty), tables, a frame, SOS, then scan data with stuffed bytes and
-// restart markers.
+// restart markers, one file in three past a file stream's buffer with a
+// marker across its edge.
 Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng);
 // The same, always alike, around a little-endian block of these IFDs (no
 // APP1 when there are none).
