@@ -59,10 +59,18 @@ CSaveTarget::~CSaveTarget()
     if (m_file >= 0) close(m_file);
 }
 
+// What the system finds at path decides first, so that a device, a FIFO or a
+// directory is refused before any link is read: the links of /proc name a
+// pipe in words that lead nowhere. Where the system finds a file, so must
+// the links; a deleted file named through /proc is refused.
 int OpenSaveTarget(const char *path, CSaveTarget *target)
 {
+    struct stat found;
+    const int exists = !SystemCallFails(FAULT_STAT) && stat(path, &found) == 0;
+    if (!exists && errno != ENOENT) return 0;
+    if (exists && !IsRegular(found)) return 0;
     target->m_path = path;
-    if (!FollowLinks(target->m_path, &target->m_info)) return errno == ENOENT;
+    if (!FollowLinks(target->m_path, &target->m_info)) return !exists && errno == ENOENT;
     target->m_exists = 1;
-    return IsRegular(target->m_info) && OpenExisting(target);
+    return exists && OpenExisting(target);
 }
