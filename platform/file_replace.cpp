@@ -46,10 +46,9 @@ int ReplaceFile(const CTempFile &temp, const CSaveTarget &target)
     return target.m_exists && (errno == EBUSY || errno == EXDEV) && CopyOver(temp.m_path, target);
 }
 
-int RemoveFile(const std::string &path)
+void RemoveFile(const std::string &path)
 {
     int error = errno;
-    int removed = unlink(path.c_str()) == 0 || errno == ENOENT;
+    unlink(path.c_str());
     errno = error;
-    return removed;
 }

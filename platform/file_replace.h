@@ -20,8 +20,8 @@ int SyncFile(FILE *file);
 // with errno; then the target is untouched unless CopyOver says otherwise.
 int ReplaceFile(const CTempFile &temp, const CSaveTarget &target);
 
-// 1 when no file is left at path. errno stays as it was, so that a clean-up
+// Removes the file at path, if any. errno stays as it was, so that a clean-up
 // on the way out keeps the reason of the failure that called for it.
-int RemoveFile(const std::string &path);
+void RemoveFile(const std::string &path);
 
 #endif

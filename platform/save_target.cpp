@@ -67,7 +67,6 @@ int OpenSaveTarget(const char *path, CSaveTarget *target)
 {
     struct stat found;
     const int exists = !SystemCallFails(FAULT_STAT) && stat(path, &found) == 0;
-    if (!exists && errno != ENOENT) return 0;
     if (exists && !IsRegular(found)) return 0;
     target->m_path = path;
     if (!FollowLinks(target->m_path, &target->m_info)) return !exists && errno == ENOENT;

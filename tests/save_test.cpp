@@ -70,6 +70,10 @@ const Failure kFailures[] = {
          return dir.Path("pipe.jpg");
      }},
     {"a device", [](const TempDir &, CExifDoc *, const std::string &) { return std::string("/dev/null"); }},
+    {"a link to itself", [](const TempDir &dir, CExifDoc *, const std::string &) {
+         symlink("loop.jpg", dir.Path("loop.jpg").c_str());
+         return dir.Path("loop.jpg");
+     }},
     {"a hard link whose kept copy is still there",
      [](const TempDir &dir, CExifDoc *, const std::string &) {
          link(dir.Path("target.jpg").c_str(), dir.Path("twin.jpg").c_str());
@@ -124,8 +128,8 @@ int InChild(const std::function<int()> &body)
 // The temporary file lies beside the target under the target's name with
 // "$#$" for its extension; a name too long for that is cut. A save killed
 // half-way leaves it behind, and the next save removes it and every other
-// leftover of the target that no running save holds, and always finds a
-// name.
+// leftover of the target that no running save holds (never the new file a
+// copy over kept), and always finds a name.
 TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
 {
     const std::pair<const char *, const char *> names[] = {
@@ -152,14 +156,15 @@ TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
     }));
     EXPECT_EQ((std::vector<std::string>{name, stem}), dir.List());
     for (int i = 1; i < 100; i++) dir.Write(stem + std::to_string(i), {'x'});
+    dir.Write(stem + "new", {'x'});
     DocPtr doc(zExifLoadFile(target.c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
-    EXPECT_EQ(std::vector<std::string>{name}, dir.List());
+    EXPECT_EQ((std::vector<std::string>{name, stem + "new"}), dir.List());
     int held = open(dir.Write(stem, {'x'}).c_str(), O_RDONLY);
     ASSERT_EQ(0, flock(held, LOCK_EX));
     doc.reset(zExifLoadFile(target.c_str()));
     EXPECT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
-    EXPECT_EQ((std::vector<std::string>{name, stem}), dir.List());
+    EXPECT_EQ((std::vector<std::string>{name, stem, stem + "new"}), dir.List());
     close(held);
 }
 
