@@ -145,6 +145,7 @@ TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
     TempDir dir;
     const std::string name = std::string(251, 'n') + ".jpg";
     std::string target = dir.Write(name, ExifJpeg(30000)), stem;
+    dir.Write("a.jpg", {'a'});
     MakeTempPath(stem, target.c_str());
     stem = stem.substr(dir.m_path.size() + 1);
     EXPECT_EQ(-SIGKILL, InChild([&] {
@@ -154,17 +155,17 @@ TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
         DocPtr doc(zExifLoadFile(target.c_str()));
         return zExifSaveFile(doc.get(), target.c_str());
     }));
-    EXPECT_EQ((std::vector<std::string>{name, stem}), dir.List());
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem}), dir.List());
     for (int i = 1; i < 100; i++) dir.Write(stem + std::to_string(i), {'x'});
     dir.Write(stem + "new", {'x'});
     DocPtr doc(zExifLoadFile(target.c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
-    EXPECT_EQ((std::vector<std::string>{name, stem + "new"}), dir.List());
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem + "new"}), dir.List());
     int held = open(dir.Write(stem, {'x'}).c_str(), O_RDONLY);
     ASSERT_EQ(0, flock(held, LOCK_EX));
     doc.reset(zExifLoadFile(target.c_str()));
     EXPECT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
-    EXPECT_EQ((std::vector<std::string>{name, stem, stem + "new"}), dir.List());
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem, stem + "new"}), dir.List());
     close(held);
 }
 
@@ -254,8 +255,9 @@ TEST(Save, WritesOnlyWhereAnOrdinaryWriteWould)
 }
 
 // A JPEG without Exif is written byte for byte, a segment of the longest
-// length included; a big-endian TIFF whose samples are wider than a byte
-// can't be turned little-endian and fails.
+// length included, to a new file with the bits of any new file; a big-endian
+// TIFF whose samples are wider than a byte can't be turned little-endian and
+// fails.
 TEST(Save, CopiesWhatItDoesNotRebuild)
 {
     TempDir dir;
@@ -265,6 +267,9 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
     DocPtr doc(zExifLoadFile(dir.Write("plain.jpg", plain).c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.jpg").c_str()));
     EXPECT_EQ(plain, ReadFile(dir.Path("out.jpg")));
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(S_IFREG | (0666 & ~mask), std::get<2>(Identity(dir.Path("out.jpg"))));
 
     for (bool bigEndian : {false, true}) {
         Block block{bigEndian, {{Short(258, 16), OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 1)}};
