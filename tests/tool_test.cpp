@@ -106,6 +106,7 @@ TEST(Tool, CommandsChangeWhatTheySay)
     const struct timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
     utimensat(AT_FDCWD, photo.c_str(), past, 0);
     ToolRun streamed = Tool({"set", photo, "Model", "ascii", "Second", "-o", "-"});
+    EXPECT_EQ(0, streamed.status);
     EXPECT_EQ(0, Tool({"set", photo, "Model", "ascii", "Second", "--preserve-time"}).status);
     EXPECT_EQ(std::string("Second", 7), Tag(photo, 272));
     EXPECT_EQ(Text(photo), streamed.out);
@@ -161,12 +162,15 @@ TEST(Tool, FailuresAreToldAndCounted)
     mkfifo(dir.Path("pipe").c_str(), 0644);
     struct rlimit old, limited = {1024, RLIM_INFINITY};
     getrlimit(RLIMIT_FSIZE, &old);
-    for (const std::string &out : {dir.Path("pipe"), dir.m_path, std::string("/dev/null"), photo}) {
+    const std::pair<std::string, std::string> refusals[] = {
+        {dir.Path("pipe"), "not a regular file"}, {dir.m_path, "it is a directory"},
+        {"/dev/null", "not a regular file"},      {photo, "File too large"}};
+    for (const auto &[out, reason] : refusals) {
         if (out == photo) setrlimit(RLIMIT_FSIZE, &limited);
         ToolRun run = Tool({"set", photo, "Make", "ascii", "X", "-o", out});
         setrlimit(RLIMIT_FSIZE, &old);
         EXPECT_EQ(1, run.status) << out;
-        EXPECT_EQ("zexif: cannot save " + out + ": ", run.err.substr(0, out.size() + 21)) << run.err;
+        EXPECT_EQ(0u, run.err.find("zexif: cannot save " + out + ": " + reason)) << run.err;
         EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
     }
     EXPECT_EQ(ReadFile(ZEXIF_SAMPLE_JPEG), ReadFile(photo));
