@@ -160,8 +160,9 @@ TEST(Tool, FailuresAreToldAndCounted)
     }
     std::string photo = dir.Write("photo.jpg", ReadFile(ZEXIF_SAMPLE_JPEG));
     mkfifo(dir.Path("pipe").c_str(), 0644);
-    struct rlimit old, limited = {1024, RLIM_INFINITY};
+    struct rlimit old;
     getrlimit(RLIMIT_FSIZE, &old);
+    const struct rlimit limited = {1024, old.rlim_max};
     const std::pair<std::string, std::string> refusals[] = {
         {dir.Path("pipe"), "not a regular file"}, {dir.m_path, "it is a directory"},
         {"/dev/null", "not a regular file"},      {photo, "File too large"}};
