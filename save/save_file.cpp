@@ -1,6 +1,9 @@
+#include <cerrno>
 #include <string>
 
 #include "platform/file_replace.h"
+#include "platform/save_target.h"
+#include "platform/temp_file.h"
 #include "save/audio_segments.h"
 #include "save/jpeg_save.h"
 #include "save/temp_path.h"
@@ -49,21 +52,29 @@ int WriteTempFile(CExifDoc *doc, CFileObj *out)
 
 }  // namespace
 
-// The new file is written beside the target and put over it in one step, so
-// that the target holds the old file or the new one and never a part. Any
-// failure removes the temporary file, leaves the target as it was and keeps
-// the source open, so that the document can still be saved elsewhere. After
-// a save the document's source is closed, as its file may be gone.
+// The new file is written beside the target and put in its place, so that
+// the target holds the old file or the new one and never a part; a target
+// that must keep its inode is written over from the complete new file (see
+// ReplaceFile). The target stays what it was: a link stays a link, the file
+// keeps its owner, group and bits. Any failure removes the temporary file,
+// leaves the target as it was and keeps the source open, so that the
+// document can still be saved elsewhere; errno tells the system's reason,
+// or is 0 where the document itself couldn't be written. After a save the
+// document's source is closed, as its file may be gone.
 int zExifSaveFile(CExifDoc *doc, const char *path)
 {
     if (doc == nullptr || path == nullptr || path[0] == '\0') return -1;
     if (doc->m_format != FORMAT_JPEG && doc->m_format != FORMAT_TIFF) return -1;
-    std::string temp;
-    FILE *file = OpenTempFile(path, temp);
+    CSaveTarget target;
+    CTempFile temp;
+    if (!OpenSaveTarget(path, &target)) return -1;
+    FILE *file = OpenTempFile(target, &temp);
     if (file == nullptr) return -1;
+    // Names tried and taken on the way are no reason for what fails from here.
+    errno = 0;
     CFileObj out(file);
-    if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, path)) {
-        RemoveFile(temp);
+    if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, target)) {
+        RemoveFile(temp.m_path);
         return -1;
     }
     DeleteStream(doc->m_stream);
