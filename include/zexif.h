@@ -88,6 +88,11 @@ ZEXIF_API void zExifDestroy(CExifDoc *doc);
 ZEXIF_API int zExifGetFileFormat(CExifDoc *doc);
 ZEXIF_API int zExifIsExifExist(CExifDoc *doc);
 
+/* Writes the document to path: a new file is built beside the file that
+ * path names (its symbolic links followed) and then takes that file's place,
+ * which keeps its owner, group, permission bits and hard links. A target that
+ * is no regular file, or that the caller may not write to, is refused. On
+ * failure errno tells the system's reason, or is 0. */
 ZEXIF_API int zExifSaveFile(CExifDoc *doc, const char *path);
 
 /* value->data of zExifGetTag is a malloc block of the caller's: free() it. */

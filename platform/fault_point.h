@@ -1,6 +1,7 @@
 #ifndef ZEXIF_PLATFORM_FAULT_POINT_H
 #define ZEXIF_PLATFORM_FAULT_POINT_H
 
+#include <cerrno>
 #include <cstdint>
 
 // The places where the library deals with the system: each can be made to
@@ -17,7 +18,9 @@ enum FaultSite : unsigned {
     FAULT_RENAME = 1u << 6,
     FAULT_COPY = 1u << 7,
     FAULT_ALLOC = 1u << 8,
-    FAULT_ANY = (1u << 9) - 1,
+    FAULT_STAT = 1u << 9,
+    FAULT_OWNER = 1u << 10,
+    FAULT_ANY = (1u << 11) - 1,
 };
 
 extern int g_faultsListening;
@@ -28,6 +31,15 @@ int CountFaultCall(FaultSite site);
 inline int FaultStrikes(FaultSite site)
 {
     return g_faultsListening && CountFaultCall(site);
+}
+
+// FaultStrikes in front of a system call: a struck call fails as the system
+// would, with errno set, so that no caller takes it for "no such file".
+inline int SystemCallFails(FaultSite site)
+{
+    if (!FaultStrikes(site)) return 0;
+    errno = EIO;
+    return 1;
 }
 
 // From now on, counts the calls at the sites of mask and fails the one with

@@ -4,10 +4,8 @@
 #include <cstdio>
 #include <string>
 
-// Creates path as a new file for writing; a name that exists already is
-// refused (errno EEXIST), so that no other file is ever truncated. Null on
-// failure.
-FILE *CreateNewFile(const std::string &path);
+#include "platform/save_target.h"
+#include "platform/temp_file.h"
 
 // Hands what stdio holds for the file to the system, and the system's copy to
 // the disk. 1 when both went through.
@@ -19,19 +17,17 @@ int SyncFile(FILE *file);
 // with nothing to fail.
 void StartWriteback(FILE *file);
 
-// Puts temp in the place of target in one step (a rename), so that a reader
-// of target sees the old file or the new one, never a mix. Where the two lie
-// on different file systems, ReplaceByCopy does it. The new file takes over
-// the permission bits of the target it replaces. Returns 1 with temp gone, or
-// 0 with target untouched and temp still there.
-int ReplaceFile(const std::string &temp, const std::string &target);
+// Puts the complete temporary file in the place of target. Where the target
+// is one file under one name, in one step (a rename), so that a reader sees
+// the old file or the new one, never a mix. A target that a rename would
+// turn into another file keeps its inode and gets the new bytes by CopyOver:
+// one with more than one hard link, one whose owner the temporary file
+// couldn't take, one mounted over its name. Returns 1 with temp gone, or 0
+// with errno; then the target is untouched unless CopyOver says otherwise.
+int ReplaceFile(const CTempFile &temp, const CSaveTarget &target);
 
-// Copies temp to a new file beside target, syncs it and renames it over
-// target. Returns 1, or 0 with target untouched and the copy removed; temp
-// stays either way.
-int ReplaceByCopy(const std::string &temp, const std::string &target);
-
-// 1 when no file is left at path.
-int RemoveFile(const std::string &path);
+// Removes the file at path, if any. errno stays as it was, so that a clean-up
+// on the way out keeps the reason of the failure that called for it.
+void RemoveFile(const std::string &path);
 
 #endif

@@ -1,7 +1,10 @@
+#include <cerrno>
 #include <string>
 
 #include "platform/failure_reason.h"
 #include "platform/file_replace.h"
+#include "platform/save_target.h"
+#include "platform/temp_file.h"
 #include "save/audio_segments.h"
 #include "save/jpeg_save.h"
 #include "save/save_document.h"
@@ -48,6 +51,14 @@ int WriteTempFile(CExifDoc *doc, CFileObj *out)
     return out->Close() && ok;
 }
 
+// A target refused or a temporary file not made: errno stays the system's
+// reason for the caller.
+int FailTargetExport()
+{
+    NoteSystemFailure(ZEXIF_ERROR_OPEN);
+    return FailExport(ZEXIF_ERROR_OPEN);
+}
+
 }  // namespace
 
 int WriteDocumentTo(CExifDoc *doc, CStreamIO *out)
@@ -58,25 +69,30 @@ int WriteDocumentTo(CExifDoc *doc, CStreamIO *out)
     return ok;
 }
 
-// The new file is written beside the target and put over it in one step, so
-// that the target holds the old file or the new one and never a part. Any
-// failure removes the temporary file, leaves the target as it was and keeps
-// the source open, so that the document can still be saved elsewhere. After
-// a save the document's source is closed, as its file may be gone.
+// The new file is written beside the target and put in its place, so that
+// the target holds the old file or the new one and never a part; a target
+// that must keep its inode is written over from the complete new file (see
+// ReplaceFile). The target stays what it was: a link stays a link, the file
+// keeps its owner, group and bits. Any failure removes the temporary file,
+// leaves the target as it was and keeps the source open, so that the
+// document can still be saved elsewhere; errno tells the system's reason,
+// or is 0 where the document itself couldn't be written. After a save the
+// document's source is closed, as its file may be gone.
 int zExifSaveFile(CExifDoc *doc, const char *path)
 {
     BeginExport();
     if (doc == nullptr || path == nullptr || path[0] == '\0') return FailExport(ZEXIF_ERROR_ARGUMENT);
     if (doc->m_format != FORMAT_JPEG && doc->m_format != FORMAT_TIFF) return FailExport(ZEXIF_ERROR_FORMAT);
-    std::string temp;
-    FILE *file = OpenTempFile(path, temp);
-    if (file == nullptr) {
-        NoteSystemFailure(ZEXIF_ERROR_OPEN);
-        return FailExport(ZEXIF_ERROR_OPEN);
-    }
+    CSaveTarget target;
+    CTempFile temp;
+    if (!OpenSaveTarget(path, &target)) return FailTargetExport();
+    FILE *file = OpenTempFile(target, &temp);
+    if (file == nullptr) return FailTargetExport();
+    // Names tried and taken on the way are no reason for what fails from here.
+    errno = 0;
     CFileObj out(file);
-    if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, path)) {
-        RemoveFile(temp);
+    if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, target)) {
+        RemoveFile(temp.m_path);
         return FailExport(ZEXIF_ERROR_WRITE);
     }
     DeleteStream(doc->m_stream);

@@ -5,7 +5,6 @@
 
 #include "reader/tif_tag_list.h"
 #include "support/files.h"
-#include "support/oracle.h"
 #include "support/tree_records.h"
 
 namespace {
@@ -162,41 +161,6 @@ TEST(SetTIFExifData, PoursTableTagsIntoTheExifIfd)
               exif);
     TifTagList *empty = AllocTifTagList(0);
     EXPECT_EQ(0, zExifSetTIFExifData(doc.get(), empty));
-}
-
-// Every real file's Exif carries into a file without any: a JPEG's block
-// whole, a TIFF's Exif-table tags.
-TEST(CopyExif, CarriesEveryRealFilesExif)
-{
-    SKIP_WITHOUT_SAMPLES();
-    TempDir dir;
-    Bytes plainJpeg = JpegOf({});
-    Bytes plainTiff = Layout({false, {{kMake, OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 2)}});
-    for (const std::string &path : Samples()) {
-        RawFile source = ReadRaw(ReadFile(path));
-        bool jpeg = source.format == 1;
-        std::string into = dir.Write(jpeg ? "into.jpg" : "into.tif", jpeg ? plainJpeg : plainTiff);
-        DocPtr doc(zExifLoadFile(into.c_str()));
-        ReaderPtr reader(zRExifBeginRead(path.c_str()));
-        std::vector<RawTag> expected;
-        if (jpeg) {
-            ExifBuffer buffer = {};
-            if (zRExifGetExifMarker(reader.get(), &buffer) != 0) continue;
-            ASSERT_EQ(0, zExifInsertExifMarker(doc.get(), &buffer)) << path;
-            expected = AsSaved(source.tags, source.bigEndian);
-        } else {
-            TifTagList *list = nullptr;
-            if (zRExifGetTIFExifData(reader.get(), &list) != 0) continue;
-            ASSERT_EQ(0, zExifSetTIFExifData(doc.get(), list)) << path;
-            expected = AsSaved(ReadRaw(plainTiff).tags);
-            expected.push_back({"IFD0", 34665, 4, 1, {}});
-            for (const RawTag &t : source.tags) {
-                if (t.place == "IFD0/34665" && InExifTable(t.tag)) expected.push_back(t);
-            }
-        }
-        ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str())) << path;
-        EXPECT_EQ(expected, AsSaved(ReadRaw(ReadFile(into)).tags, source.bigEndian)) << path;
-    }
 }
 
 }  // namespace

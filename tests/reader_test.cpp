@@ -58,34 +58,6 @@ TEST(Reader, AnswersWhatItsScansMet)
     }
 }
 
-// Every value handed out stays where it is, unchanged, until the reader
-// ends, whatever is asked in between.
-TEST(Reader, ValuesHandedOutStayValid)
-{
-    TempDir dir;
-    Block block{false,
-                {{Ascii(271, "Camera maker"), Ascii(272, "Model"), Short(274, 8), PointerTo(34665, 0)},
-                 {OffsetsOf(513, {0}), Long(514, 400)}},
-                {{Rational(33434, 1, 8), Ascii(36867, "2001:01:01 01:01:01"), Typed(37500, 7, 40, Bytes(40, 9))}},
-                {ThumbnailBytes(400)}};
-    std::string path = dir.Write("photo.jpg", JpegOf(block.chain, block.subs, block.blobs));
-    ReaderPtr reader(zRExifBeginRead(path.c_str()));
-    std::vector<std::pair<ExifTagValue, Bytes>> handedOut;
-    for (int round = 0; round < 2; round++) {
-        for (const RawTag &t : ReadRaw(ReadFile(path)).tags) {
-            ExifTagValue value = {};
-            if (zRExifGetTag(reader.get(), t.tag, &value) == 0) handedOut.push_back({value, ValueBytes(value)});
-        }
-        ExifBuffer thumb = {};
-        if (zRExifGetThumbnailData(reader.get(), &thumb) == 0) {
-            handedOut.push_back({{7, thumb.size, thumb.data}, Bytes(thumb.data, thumb.data + thumb.size)});
-        }
-    }
-    ASSERT_GT(handedOut.size(), 4u);
-    for (const auto &value : handedOut) EXPECT_EQ(value.second, ValueBytes(value.first));
-    for (size_t i = 0; i < handedOut.size() / 2; i++) EXPECT_EQ(handedOut[i].first.data, handedOut[i + handedOut.size() / 2].first.data);
-}
-
 TEST(Reader, NullsAndUnknownFilesGetFailures)
 {
     ExifTagValue value = {};

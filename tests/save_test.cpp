@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <functional>
+#include <tuple>
 
-#include "platform/file_replace.h"
+#include "platform/copy_over.h"
 #include "save/temp_path.h"
 #include "streams/stream.h"
 #include "support/files.h"
@@ -62,6 +65,21 @@ const Failure kFailures[] = {
          doc->m_stream = nullptr;
          return dir.Path("target.jpg");
      }},
+    {"a FIFO", [](const TempDir &dir, CExifDoc *, const std::string &) {
+         mkfifo(dir.Path("pipe.jpg").c_str(), 0644);
+         return dir.Path("pipe.jpg");
+     }},
+    {"a device", [](const TempDir &, CExifDoc *, const std::string &) { return std::string("/dev/null"); }},
+    {"a link to itself", [](const TempDir &dir, CExifDoc *, const std::string &) {
+         symlink("loop.jpg", dir.Path("loop.jpg").c_str());
+         return dir.Path("loop.jpg");
+     }},
+    {"a hard link whose kept copy is still there",
+     [](const TempDir &dir, CExifDoc *, const std::string &) {
+         link(dir.Path("target.jpg").c_str(), dir.Path("twin.jpg").c_str());
+         dir.Write("target.$#$new", {'n', 'e', 'w'});
+         return dir.Path("target.jpg");
+     }},
     {"an Exif block larger than a segment",
      [](const TempDir &dir, CExifDoc *doc, const std::string &) {
          Bytes big(65600, 'x');
@@ -97,9 +115,22 @@ TEST(FailedSave, LosesNothing)
     EXPECT_EQ(0, zExifSaveFile(doc.get(), source.c_str()));
 }
 
+// Runs body in a child process: its result, or minus the signal that ended it.
+int InChild(const std::function<int()> &body)
+{
+    pid_t child = fork();
+    if (child == 0) _exit(body());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
 // The temporary file lies beside the target under the target's name with
-// "$#$" for its extension, and never under a name that is taken.
-TEST(TempFile, IsNamedAfterTheTargetAndNeverTakesAFile)
+// "$#$" for its extension; a name too long for that is cut. A save killed
+// half-way leaves it behind, and the next save removes it and every other
+// leftover of the target that no running save holds (never the new file a
+// copy over kept), and always finds a name.
+TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
 {
     const std::pair<const char *, const char *> names[] = {
         {"a/b.jpg", "a/b.$#$"},        {"a/b", "a/b.$#$"},           {"a/.hidden", "a/.hidden.$#$"},
@@ -112,39 +143,113 @@ TEST(TempFile, IsNamedAfterTheTargetAndNeverTakesAFile)
         EXPECT_EQ(name.second, temp);
     }
     TempDir dir;
-    std::string target = dir.Write("photo.jpg", ExifJpeg(10));
-    dir.Write("photo.$#$", {'t', 'h', 'e', 'i', 'r', 's'});
-    dir.Write("photo.$#$1", {'t', 'o', 'o'});
-    ASSERT_EQ(0, chmod(target.c_str(), 0640));
+    const std::string name = std::string(251, 'n') + ".jpg";
+    std::string target = dir.Write(name, ExifJpeg(30000)), stem;
+    dir.Write("a.jpg", {'a'});
+    MakeTempPath(stem, target.c_str());
+    stem = stem.substr(dir.m_path.size() + 1);
+    EXPECT_EQ(-SIGKILL, InChild([&] {
+        std::signal(SIGXFSZ, [](int) { std::raise(SIGKILL); });
+        struct rlimit limit = {8192, 8192};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        DocPtr doc(zExifLoadFile(target.c_str()));
+        return zExifSaveFile(doc.get(), target.c_str());
+    }));
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem}), dir.List());
+    for (int i = 1; i < 100; i++) dir.Write(stem + std::to_string(i), {'x'});
+    dir.Write(stem + "new", {'x'});
     DocPtr doc(zExifLoadFile(target.c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
-    EXPECT_EQ((Bytes{'t', 'h', 'e', 'i', 'r', 's'}), ReadFile(dir.Path("photo.$#$")));
-    EXPECT_EQ((std::vector<std::string>{"photo.$#$", "photo.$#$1", "photo.jpg"}), dir.List());
-    struct stat info;
-    ASSERT_EQ(0, stat(target.c_str(), &info));
-    EXPECT_EQ(0640u, info.st_mode & 0777);
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem + "new"}), dir.List());
+    int held = open(dir.Write(stem, {'x'}).c_str(), O_RDONLY);
+    ASSERT_EQ(0, flock(held, LOCK_EX));
+    doc.reset(zExifLoadFile(target.c_str()));
+    EXPECT_EQ(0, zExifSaveFile(doc.get(), target.c_str()));
+    EXPECT_EQ((std::vector<std::string>{"a.jpg", name, stem, stem + "new"}), dir.List());
+    close(held);
 }
 
-// Where a rename can't cross file systems, a copy beside the target is
-// renamed over it; a copy onto a directory or from a file that is gone fails
-// and leaves nothing.
-TEST(TempFile, ReplaceByCopy)
+struct Shape {
+    const char *name;
+    // Gives photo its shape; returns the path to save to.
+    std::function<std::string(const TempDir &, const std::string &photo)> make;
+};
+
+const Shape kShapes[] = {
+    {"a chain of symbolic links",
+     [](const TempDir &dir, const std::string &) {
+         mkdir(dir.Path("sub").c_str(), 0755);
+         symlink("../photo.jpg", dir.Path("sub/mid.jpg").c_str());
+         symlink("sub/mid.jpg", dir.Path("link.jpg").c_str());
+         return dir.Path("link.jpg");
+     }},
+    {"a second hard link",
+     [](const TempDir &dir, const std::string &photo) {
+         link(photo.c_str(), dir.Path("twin.jpg").c_str());
+         return photo;
+     }},
+    {"another user's file",
+     [](const TempDir &, const std::string &photo) {
+         if (geteuid() == 0) chown(photo.c_str(), 4321, 4321);
+         chmod(photo.c_str(), 02640);
+         return photo;
+     }},
+};
+
+// Owner, group, bits and links of the file at path, and what path itself is.
+auto Identity(const std::string &path)
+{
+    struct stat info = {}, name = {};
+    stat(path.c_str(), &info);
+    lstat(path.c_str(), &name);
+    return std::make_tuple(info.st_uid, info.st_gid, info.st_mode, info.st_nlink, name.st_mode);
+}
+
+// A save writes the file that its path names and keeps what the file was:
+// a link stays a link and the file it names gets the new content, all hard
+// links see it, and the owner, group and bits stay.
+TEST(Save, KeepsTheFileWhatItWas)
+{
+    for (const Shape &c : kShapes) {
+        TempDir dir;
+        std::string photo = dir.Write("photo.jpg", ExifJpeg(100)), path = c.make(dir, photo);
+        DocPtr doc(zExifLoadFile(dir.Write("other.jpg", ExifJpeg(10)).c_str()));
+        auto before = Identity(path);
+        std::vector<std::string> listing = dir.List();
+        ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str())) << c.name;
+        EXPECT_EQ(before, Identity(path)) << c.name;
+        EXPECT_EQ(ExifJpeg(10), ReadFile(photo)) << c.name;
+        EXPECT_EQ(listing, dir.List()) << c.name;
+    }
+    if (geteuid() != 0) GTEST_SKIP() << "not root: a file of another user's was not tried";
+}
+
+// A file the caller may not write to is refused, as an ordinary write would
+// be; one the caller may write to but not give away is written in place and
+// stays its owner's.
+TEST(Save, WritesOnlyWhereAnOrdinaryWriteWould)
 {
     TempDir dir;
-    std::string temp = dir.Write("new.$#$", {'n', 'e', 'w'});
-    std::string target = dir.Write("photo.jpg", {'o', 'l', 'd'});
-    ASSERT_EQ(1, ReplaceByCopy(temp, target));
-    EXPECT_EQ((Bytes{'n', 'e', 'w'}), ReadFile(target));
-    ASSERT_EQ(0, mkdir(dir.Path("folder").c_str(), 0755));
-    EXPECT_EQ(0, ReplaceByCopy(temp, dir.Path("folder")));
-    EXPECT_EQ(0, ReplaceByCopy(dir.Path("missing"), target));
-    EXPECT_EQ((Bytes{'n', 'e', 'w'}), ReadFile(target));
-    EXPECT_EQ((std::vector<std::string>{"folder", "new.$#$", "photo.jpg"}), dir.List());
+    chmod(dir.m_path.c_str(), 0777);
+    std::string locked = dir.Write("locked.jpg", ExifJpeg(100)), shared = dir.Write("shared.jpg", ExifJpeg(10));
+    chmod(locked.c_str(), 0444);
+    chmod(shared.c_str(), 0666);
+    EXPECT_EQ(0, InChild([&] {
+        if (geteuid() == 0 && (setgid(4321) != 0 || setuid(4321) != 0)) return 2;
+        DocPtr doc(zExifLoadFile(locked.c_str()));
+        bool refused = zExifSaveFile(doc.get(), locked.c_str()) == -1 && errno == EACCES;
+        return refused && zExifSaveFile(doc.get(), shared.c_str()) == 0 ? 0 : 1;
+    }));
+    EXPECT_EQ(ExifJpeg(100), ReadFile(locked));
+    EXPECT_EQ(ExifJpeg(100), ReadFile(shared));
+    EXPECT_EQ(getuid(), std::get<0>(Identity(shared)));
+    EXPECT_EQ((std::vector<std::string>{"locked.jpg", "shared.jpg"}), dir.List());
 }
 
 // A JPEG without Exif is written byte for byte, segments of the shortest and
-// the longest length included; a big-endian TIFF whose samples are wider than a byte
-// can't be turned little-endian and fails.
+// the longest length included, to a new file with the bits of any new file;
+// a big-endian TIFF whose samples are wider than a byte can't be turned
+// little-endian and fails.
 TEST(Save, CopiesWhatItDoesNotRebuild)
 {
     TempDir dir;
@@ -155,6 +260,9 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
     DocPtr doc(zExifLoadFile(dir.Write("plain.jpg", plain).c_str()));
     ASSERT_EQ(0, zExifSaveFile(doc.get(), dir.Path("out.jpg").c_str()));
     EXPECT_EQ(plain, ReadFile(dir.Path("out.jpg")));
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(S_IFREG | (0666 & ~mask), std::get<2>(Identity(dir.Path("out.jpg"))));
 
     for (bool bigEndian : {false, true}) {
         Block block{bigEndian, {{Short(258, 16), OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 1)}};

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <memory>
@@ -10,6 +11,7 @@
 #include "streams/hook_stream.h"
 #include "streams/memory_stream.h"
 #include "support/files.h"
+#include "support/tree_records.h"
 #include "zexif.h"
 
 namespace {
@@ -181,6 +183,7 @@ TEST(WidePath, FilesOpenAsDescriptorZero)
     char cwd[4096];
     ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
     ASSERT_EQ(0, chdir(dir.m_path.c_str()));
+    DocPtr doc(zExifLoadFile("a"));
     int saved = dup(0);
     close(0);
     {
@@ -192,6 +195,15 @@ TEST(WidePath, FilesOpenAsDescriptorZero)
     CExifReader *reader = zRExifBeginRead(narrowOrWide);
     EXPECT_NE(nullptr, reader);
     zRExifEndRead(reader);
+    // The directory "/" that a 16-bit path's narrow reading opens, and the
+    // one a save syncs, are closed again though they are descriptor 0.
+    std::u16string wide;
+    for (char c : dir.m_path + "/a") wide += char16_t(uint8_t(c));
+    reader = zRExifBeginRead(Utf16Of(wide).data());
+    EXPECT_NE(nullptr, reader);
+    zRExifEndRead(reader);
+    EXPECT_EQ(0, zExifSaveFile(doc.get(), "a"));
+    EXPECT_EQ(-1, fcntl(0, F_GETFD));
     dup2(saved, 0);
     close(saved);
     ASSERT_EQ(0, chdir(cwd));

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -101,8 +104,16 @@ TEST(Tool, CommandsChangeWhatTheySay)
     std::string photo = dir.Write("photo.jpg", ReadFile(ZEXIF_SAMPLE_JPEG));
     EXPECT_EQ("zExifLib\n", Tool({"get", photo, "Make"}).out);
     EXPECT_EQ("zExifLib\n", Tool({"get", photo, "0x10f"}).out);
-    EXPECT_EQ(0, Tool({"set", photo, "Model", "ascii", "Second"}).status);
+    const struct timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
+    utimensat(AT_FDCWD, photo.c_str(), past, 0);
+    ToolRun streamed = Tool({"set", photo, "Model", "ascii", "Second", "-o", "-"});
+    EXPECT_EQ(0, streamed.status);
+    EXPECT_EQ(0, Tool({"set", photo, "Model", "ascii", "Second", "--preserve-time"}).status);
     EXPECT_EQ(std::string("Second", 7), Tag(photo, 272));
+    EXPECT_EQ(Text(photo), streamed.out);
+    struct stat info;
+    stat(photo.c_str(), &info);
+    EXPECT_EQ(1000000000, info.st_mtime);
     EXPECT_EQ(0, Tool({"set", photo, "36868", "ascii", "2001:02:03 04:05:06"}).status);
     EXPECT_EQ(std::string("2001:02:03 04:05:06", 20), Tag(photo, 36868));
     EXPECT_EQ(0, Tool({"delete", photo, "Make"}).status);
@@ -137,8 +148,9 @@ TEST(Tool, CommandsChangeWhatTheySay)
     EXPECT_EQ("-", Tag(plain, 272));
 }
 
-// Misuse gets a pointer to the help and 2, a file that can't be handled one line on
-// standard error and 1; every real file dumps.
+// Misuse gets a pointer to the help and 2, a file that can't be handled or
+// saved one line on standard error, with the reason, and 1; every real file
+// dumps.
 TEST(Tool, FailuresAreToldAndCounted)
 {
     for (const std::vector<std::string> &arguments : std::vector<std::vector<std::string>>{
@@ -153,6 +165,23 @@ TEST(Tool, FailuresAreToldAndCounted)
         EXPECT_EQ(1, run.status) << path;
         EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
     }
+    std::string photo = dir.Write("photo.jpg", ReadFile(ZEXIF_SAMPLE_JPEG));
+    mkfifo(dir.Path("pipe").c_str(), 0644);
+    struct rlimit old;
+    getrlimit(RLIMIT_FSIZE, &old);
+    const struct rlimit limited = {1024, old.rlim_max};
+    const std::pair<std::string, std::string> refusals[] = {
+        {dir.Path("pipe"), "not a regular file"}, {dir.m_path, "it is a directory"},
+        {"/dev/null", "not a regular file"},      {photo, "File too large"}};
+    for (const auto &[out, reason] : refusals) {
+        if (out == photo) setrlimit(RLIMIT_FSIZE, &limited);
+        ToolRun run = Tool({"set", photo, "Make", "ascii", "X", "-o", out});
+        setrlimit(RLIMIT_FSIZE, &old);
+        EXPECT_EQ(1, run.status) << out;
+        EXPECT_EQ(0u, run.err.find("zexif: cannot save " + out + ": " + reason)) << run.err;
+        EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
+    }
+    EXPECT_EQ(ReadFile(ZEXIF_SAMPLE_JPEG), ReadFile(photo));
     for (const std::string &path : Samples()) {
         ToolRun run = Tool({"dump", path, "--json"});
         EXPECT_EQ(0, run.status) << path << run.err;

@@ -37,8 +37,8 @@ bool FaultWindow::Close()
 
 std::string FaultWindow::Describe(uint64_t failAt) const
 {
-    static const char *const names[] = {"open", "read", "write", "seek", "close", "sync", "rename", "copy", "allocation"};
-    for (int bit = 0; bit < 9; bit++) {
+    static const char *const names[] = {"open", "read", "write", "seek", "close", "sync", "rename", "copy", "allocation", "stat", "owner"};
+    for (int bit = 0; bit < 11; bit++) {
         if (m_struck == 1u << bit) return "call " + std::to_string(failAt) + " (" + names[bit] + ")";
     }
     return "call " + std::to_string(failAt);

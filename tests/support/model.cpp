@@ -284,7 +284,8 @@ void Patch32(Bytes &bytes, size_t pos, uint32_t value, bool bigEndian)
 Bytes ExifPayload(const Bytes &block)
 {
     Bytes out = {'E', 'x', 'i', 'f', 0, 0};
-    out.insert(out.end(), block.begin(), block.end());
+    out.resize(out.size() + block.size());
+    std::copy(block.begin(), block.end(), out.end() - long(block.size()));
     return out;
 }
 
@@ -313,6 +314,9 @@ Bytes ScanData(std::mt19937 &rng, size_t size)
         out.push_back(byte);
         if (byte == 0xFF) out.push_back(0x00);
         if (Pick(rng, 97) == 0) out.insert(out.end(), {0xFF, uint8_t(0xD0 + restart++ % 8)});
+        // An APPn segment inside the scan is a segment all the same (none of
+        // the codes that hold Exif or audio).
+        if (Pick(rng, 499) == 0) out.insert(out.end(), {0xFF, uint8_t(0xE3 + Pick(rng, 13)), 0, 4, 1, 2});
     }
     return out;
 }

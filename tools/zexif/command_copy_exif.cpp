@@ -98,11 +98,11 @@ bool CopyExif(CExifReader *reader, CExifDoc *doc, const std::string &source, con
 int RunCopyExif(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (!ParseArguments(arguments, {"-o"}, {}, &parsed) || parsed.positional.size() != 2) return EXIT_USAGE;
+    if (!ParseArguments(arguments, {"-o"}, SaveFlags(), &parsed) || parsed.positional.size() != 2) return EXIT_USAGE;
     const std::string &source = parsed.positional[0], &target = parsed.positional[1];
     CExifReader *reader = OpenReader(source);
     if (reader == nullptr) return EXIT_FAILED;
-    const int status = EditAndSave(target, parsed.Value("-o", ""),
+    const int status = EditAndSave(target, SaveOptionsOf(parsed),
                                    [&](CExifDoc *doc) { return CopyExif(reader, doc, source, target); });
     zRExifEndRead(reader);
     return status;

@@ -35,7 +35,7 @@ int RunRemoveMarker(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
     uint32_t code;
-    if (!ParseArguments(arguments, {"--signature", "-o"}, {}, &parsed) || parsed.positional.size() != 2 ||
+    if (!ParseArguments(arguments, {"--signature", "-o"}, SaveFlags(), &parsed) || parsed.positional.size() != 2 ||
         !ParseNumber(parsed.positional[1], &code) || code > 0xFF) {
         return EXIT_USAGE;
     }
@@ -43,6 +43,6 @@ int RunRemoveMarker(const std::vector<std::string> &arguments)
     if (parsed.Has("--signature") ? text.size() != SIGNATURE_SIZE : code != MARKER_APP1) return EXIT_USAGE;
     const uint32_t signature = text.empty() ? 0 : PackSignature(text);
     const std::string &path = parsed.positional[0];
-    return EditAndSave(path, parsed.Value("-o", ""),
+    return EditAndSave(path, SaveOptionsOf(parsed),
                        [&](CExifDoc *doc) { return RemoveMarker(doc, path, code, signature); });
 }

@@ -13,7 +13,7 @@ int RunSet(const std::vector<std::string> &arguments)
     ParsedArguments parsed;
     TagAddress address;
     uint32_t type;
-    if (!ParseArguments(arguments, {"--ifd", "-o"}, {}, &parsed) || parsed.positional.size() < 4 ||
+    if (!ParseArguments(arguments, {"--ifd", "-o"}, SaveFlags(), &parsed) || parsed.positional.size() < 4 ||
         !AddressFromArguments(parsed.positional[1], parsed, &address) ||
         !ParseTypeName(parsed.positional[2], &type)) {
         return EXIT_USAGE;
@@ -26,7 +26,7 @@ int RunSet(const std::vector<std::string> &arguments)
     }
     const ExifTagValue value{type, parsedValue.count, parsedValue.bytes.data()};
     const std::string &path = parsed.positional[0];
-    return EditAndSave(path, parsed.Value("-o", ""), [&](CExifDoc *doc) {
+    return EditAndSave(path, SaveOptionsOf(parsed), [&](CExifDoc *doc) {
         if (SetAddressedTag(doc, address, value, &error)) return true;
         std::fprintf(stderr, "zexif: %s: %s\n", path.c_str(), error.c_str());
         return false;

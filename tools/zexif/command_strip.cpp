@@ -54,11 +54,11 @@ bool Strip(CExifDoc *doc, const std::string &path, bool keepOrientation)
 int RunStrip(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (!ParseArguments(arguments, {"-o"}, {"--keep-orientation"}, &parsed) || parsed.positional.empty() ||
+    if (!ParseArguments(arguments, {"-o"}, SaveFlags({"--keep-orientation"}), &parsed) || parsed.positional.empty() ||
         !OutFitsFiles(parsed.Has("-o"), parsed.positional.size())) {
         return EXIT_USAGE;
     }
     const bool keep = parsed.Has("--keep-orientation");
-    return EditEach(parsed.positional, parsed.Value("-o", ""),
+    return EditEach(parsed.positional, SaveOptionsOf(parsed),
                     [&](CExifDoc *doc, const std::string &path) { return Strip(doc, path, keep); });
 }

@@ -28,7 +28,7 @@ bool StartsAsJpeg(const std::vector<unsigned char> &bytes)
     return bytes.size() > 2 && bytes[0] == 0xff && bytes[1] == 0xd8;
 }
 
-int Replace(const std::string &path, const std::string &jpeg, const std::string &out)
+int Replace(const std::string &path, const std::string &jpeg, const SaveOptions &options)
 {
     std::vector<unsigned char> bytes;
     if (!ReadFileBytes(jpeg, &bytes)) return EXIT_FAILED;
@@ -36,7 +36,7 @@ int Replace(const std::string &path, const std::string &jpeg, const std::string 
         std::fprintf(stderr, "zexif: %s is not a JPEG file\n", jpeg.c_str());
         return EXIT_FAILED;
     }
-    return EditAndSave(path, out, [&](CExifDoc *doc) {
+    return EditAndSave(path, options, [&](CExifDoc *doc) {
         ExifBuffer buffer{bytes.data(), static_cast<uint32_t>(bytes.size())};
         if (bytes.size() <= UINT32_MAX && zExifSetThumbnailData(doc, &buffer) == 0) return true;
         std::fprintf(stderr, "zexif: cannot put %s into %s as its thumbnail\n", jpeg.c_str(), path.c_str());
@@ -49,12 +49,12 @@ int Replace(const std::string &path, const std::string &jpeg, const std::string 
 int RunThumbnail(const std::vector<std::string> &arguments)
 {
     ParsedArguments parsed;
-    if (arguments.empty() || !ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, {}, &parsed) ||
+    if (arguments.empty() || !ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, SaveFlags(), &parsed) ||
         parsed.positional.size() != 2) {
         return EXIT_USAGE;
     }
     const std::string &path = parsed.positional[0], &other = parsed.positional[1];
     if (arguments[0] == "extract" && !parsed.Has("-o")) return Extract(path, other);
-    if (arguments[0] == "set") return Replace(path, other, parsed.Value("-o", ""));
+    if (arguments[0] == "set") return Replace(path, other, SaveOptionsOf(parsed));
     return EXIT_USAGE;
 }

@@ -1,6 +1,7 @@
 // zexif: shows and edits the metadata of JPEG and TIFF files with zExifLib.
 // Each command is a file of its own and a row in the table of
 // command_table.cpp.
+#include <csignal>
 #include <cstdio>
 #include <string>
 
@@ -59,6 +60,9 @@ bool SampleExists()
 
 int main(int argc, char **argv)
 {
+    // Beyond the file size limit (ulimit -f) a write fails, and the save
+    // cleans up as after any failed write, instead of the tool being killed.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (argc < 2 && SampleExists()) return RunDump({ZEXIF_SAMPLE_JPEG});
     if (argc < 2) {
         PrintHelp(stderr);
