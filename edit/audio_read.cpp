@@ -1,9 +1,10 @@
 #include <cstdio>
 
 #include "edit/audio_walk.h"
-#include "zexif.h"
+#include "platform/failure_reason.h"
 #include "platform/path_open.h"
 #include "tree/document.h"
+#include "zexif.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ int WriteSegmentFrom(FILE *out, const FpxrSegment &segment, int32_t from)
 
 int zExifIsAudioExist(CExifDoc *doc)
 {
-    if (doc == nullptr) return 0;
+    if (doc == nullptr) return RefuseNullHandle();
     if (doc->m_audioState != 0) return doc->m_hasAudio;
     for (CMarker *marker = FirstSourceSegment(doc); marker != nullptr; marker = NextSourceSegment(marker)) {
         FpxrSegment segment;
@@ -37,7 +38,8 @@ int zExifIsAudioExist(CExifDoc *doc)
 // makes the result a failure.
 int zExifGetAudioFile(CExifDoc *doc, const void *path)
 {
-    if (doc == nullptr) return -1;
+    BeginExport();
+    if (doc == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
     FILE *out = nullptr;
     int written = 1;
     AudioTrack track;
@@ -52,7 +54,7 @@ int zExifGetAudioFile(CExifDoc *doc, const void *path)
             out = OpenPath(path, "wb");
             if (out == nullptr) {
                 marker->Unload();
-                return -1;
+                return FailExport(ZEXIF_ERROR_OPEN);
             }
             written &= WriteSegmentFrom(out, segment, FPXR_HEAD_PAYLOAD);
             StartTrack(track, segment);
@@ -65,7 +67,7 @@ int zExifGetAudioFile(CExifDoc *doc, const void *path)
         if (role != SEGMENT_OTHER && IsTrackComplete(track)) break;
     }
     doc->m_audioState = AUDIO_STATE_EXTRACTED;
-    if (out == nullptr) return -1;
+    if (out == nullptr) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     if (std::fclose(out) != 0) written = 0;
-    return written ? 0 : -1;
+    return written ? 0 : FailExport(ZEXIF_ERROR_WRITE);
 }

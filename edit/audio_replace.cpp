@@ -4,9 +4,10 @@
 
 #include "edit/audio_plan.h"
 #include "edit/audio_removal.h"
-#include "zexif.h"
+#include "platform/failure_reason.h"
 #include "platform/path_open.h"
 #include "tree/document.h"
+#include "zexif.h"
 
 namespace {
 
@@ -26,7 +27,8 @@ int64_t MeasureFile(const void *path)
 // must not open the audio file any more either.
 int zExifRemoveAudio(CExifDoc *doc)
 {
-    if (doc == nullptr) return -1;
+    BeginExport();
+    if (doc == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
     int planDropped = DropAudioPlan(doc);
     int headRemoved = RemoveSourceAudio(doc);
     if (planDropped || headRemoved) doc->m_hasAudio = 0;
@@ -40,14 +42,16 @@ int zExifRemoveAudio(CExifDoc *doc)
 // there, and the save needn't open the audio file.
 int zExifSetAudioFile(CExifDoc *doc, const void *path)
 {
-    if (doc == nullptr) return -1;
+    BeginExport();
+    if (doc == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
     int64_t fileSize = MeasureFile(path);
-    if (fileSize < 0 || fileSize > INT32_MAX) return -1;
+    if (fileSize < 0) return FailExport(ZEXIF_ERROR_OPEN);
+    if (fileSize > INT32_MAX) return FailExport(ZEXIF_ERROR_LIMIT);
     CNode *place = FindAudioPlace(doc);
     if (place == nullptr) return 0;
-    if (!LoadSourceSegments(doc)) return -1;
+    if (!LoadSourceSegments(doc)) return FailExport(ZEXIF_ERROR_READ);
     CMarker *chunks = PlanAudioChunks(static_cast<int32_t>(fileSize));
-    if (chunks == nullptr) return -1;
+    if (chunks == nullptr) return FailExport(ZEXIF_ERROR_MEMORY);
     DropAudioPlan(doc);
     if (RemoveSourceAudio(doc)) doc->m_hasAudio = 1;
     PlaceAudioChunks(place, chunks);

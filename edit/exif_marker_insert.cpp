@@ -5,6 +5,8 @@
 #include "load/doc_builder.h"
 #include "load/tiff_parser.h"
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
+#include "platform/handed_blocks.h"
 #include "streams/stream.h"
 #include "tree/document.h"
 #include "tree/walk.h"
@@ -98,16 +100,19 @@ int TakeThumbnail(CExifDoc *doc, CMarker *marker, const ExifBuffer *buffer)
 
 int zExifInsertExifMarker(CExifDoc *doc, ExifBuffer *buffer)
 {
-    if (doc == nullptr || buffer == nullptr || doc->m_format != FORMAT_JPEG || !IsExifPayload(buffer)) return -1;
+    BeginExport();
+    if (doc == nullptr || buffer == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (doc->m_format != FORMAT_JPEG) return FailExport(ZEXIF_ERROR_FORMAT);
+    if (!IsExifPayload(buffer)) return FailExport(ZEXIF_ERROR_ARGUMENT);
     CNode *place = FindApp1Place(doc);
-    if (place == nullptr) return -1;
+    if (place == nullptr) return FailExport(ZEXIF_ERROR_DAMAGED);
     int32_t size = static_cast<int32_t>(buffer->size);
     CMarker *marker = MakeExifMarker(size);
-    if (marker == nullptr) return -1;
+    if (marker == nullptr) return FailExport(ZEXIF_ERROR_MEMORY);
     CStreamIO *block = nullptr;
     if (!CreateMemoryStream(&block, buffer->data + EXIF_SIGNATURE_SIZE, size - EXIF_SIGNATURE_SIZE)) {
         delete marker;
-        return -1;
+        return FailExport(ZEXIF_ERROR_MEMORY);
     }
     Shortcuts before = SaveShortcuts(doc);
     InsertAfter(place, marker);
@@ -122,7 +127,8 @@ int zExifInsertExifMarker(CExifDoc *doc, ExifBuffer *buffer)
         marker->m_data = nullptr;
         RemoveTopLevelNode(doc, marker);
         RestoreShortcuts(doc, before);
-        return -1;
+        return FailExport(ZEXIF_ERROR_MEMORY);
     }
+    ForgetArrayBlock(buffer->data);
     return 0;
 }

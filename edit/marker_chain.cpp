@@ -4,9 +4,11 @@
 #include <cstring>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "save/exif_rebuild.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -53,10 +55,10 @@ CNode *FindApp1Place(CExifDoc *doc)
 CMarker *MakeExifMarker(int32_t size)
 {
     char *signature = static_cast<char *>(std::calloc(8, 1));
-    if (signature == nullptr) return nullptr;
-    CMarker *marker = new (std::nothrow) CMarker(MARKER_APP1, size, 0);
+    CMarker *marker = signature != nullptr ? new (std::nothrow) CMarker(MARKER_APP1, size, 0) : nullptr;
     if (marker == nullptr) {
         std::free(signature);
+        NoteFailure(ZEXIF_ERROR_MEMORY);
         return nullptr;
     }
     std::memcpy(signature, "Exif", 4);

@@ -1,4 +1,5 @@
 #include "edit/marker_chain.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "zexif.h"
 
@@ -38,9 +39,11 @@ void RemoveAllApp1(CExifDoc *doc)
 // tag of the same number never stands.
 int zExifRemoveMarker(CExifDoc *doc, int marker, uint32_t signature)
 {
-    if (doc == nullptr || doc->m_format != FORMAT_JPEG) return -1;
+    BeginExport();
+    if (doc == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (doc->m_format != FORMAT_JPEG) return FailExport(ZEXIF_ERROR_FORMAT);
     CMarker *found = FindTopLevelMarker(doc, marker);
-    if (found == nullptr) return -1;
+    if (found == nullptr) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     if (SignatureMatches(found, signature)) RemoveTopLevelNode(doc, found);
     if (marker == MARKER_APP1) RemoveAllApp1(doc);
     return 0;

@@ -26,8 +26,8 @@ CNode **OwningLink(CExifDoc *doc, CNode *node)
     return link;
 }
 
-// Unlinks node and destroys it with its subtree. The document's shortcuts
-// into it are cleared on the way.
+}  // namespace
+
 void RemoveNode(CExifDoc *doc, CNode *node)
 {
     CNode **link = OwningLink(doc, node);
@@ -38,6 +38,8 @@ void RemoveNode(CExifDoc *doc, CNode *node)
     DestroyDetached(doc, node);
     if (thumbTag != nullptr && doc->m_thumbTag == nullptr) ForgetThumbnail(doc);
 }
+
+namespace {
 
 // The IFDs of the block that holds ifd, ifd included.
 int CountIfdsBeside(CExifDoc *doc, CNode *ifd)
@@ -84,13 +86,18 @@ void PruneEmptyChains(CExifDoc *doc, CNode *owner)
 
 }  // namespace
 
-int DeleteTag(CExifDoc *doc, uint32_t number, int ifd)
+void RemoveEntry(CExifDoc *doc, CTag *tag)
 {
-    CTag *tag = FindTagFor(doc, number, ifd);
-    if (tag == nullptr) return -1;
     CNode *owner = tag->m_parent;
     RemoveNode(doc, tag);
     SyncEntryCount(owner);
     PruneEmptyChains(doc, owner);
+}
+
+int DeleteTag(CExifDoc *doc, uint32_t number, int ifd)
+{
+    CTag *tag = FindTagFor(doc, number, ifd);
+    if (tag == nullptr) return -1;
+    RemoveEntry(doc, tag);
     return 0;
 }

@@ -2,26 +2,20 @@
 #include "edit/tag_delete.h"
 #include "edit/tag_insert.h"
 #include "edit/tag_lookup.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "zexif.h"
-
-namespace {
-
-// An IFD entry holds a 16-bit tag number; a larger one would be written as
-// another tag. Type 0 is no type: a file holding it can't be read back.
-constexpr uint32_t MAX_TAG_NUMBER = 0xFFFF;
-
-}  // namespace
 
 // The copy is made before value is touched, so a failed allocation leaves it
 // as the caller had it.
 int zExifGetTag(CExifDoc *doc, uint32_t tag, ExifTagValue *value, int ifd)
 {
-    if (doc == nullptr || value == nullptr) return -1;
+    BeginExport();
+    if (doc == nullptr || value == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
     CTag *found = FindTagFor(doc, tag, ifd);
-    if (found == nullptr) return -1;
+    if (found == nullptr) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     void *data = value->data;
-    if (!found->CopyValue(&data)) return -1;
+    if (!found->CopyValue(&data)) return FailExport(ZEXIF_ERROR_MEMORY);
     value->type = found->m_type;
     value->count = static_cast<uint32_t>(found->m_count);
     value->data = data;
@@ -30,19 +24,23 @@ int zExifGetTag(CExifDoc *doc, uint32_t tag, ExifTagValue *value, int ifd)
 
 int zExifDelTag(CExifDoc *doc, uint32_t tag, int ifd)
 {
-    if (doc == nullptr) return -1;
-    return DeleteTag(doc, tag, ifd);
+    BeginExport();
+    if (doc == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    return DeleteTag(doc, tag, ifd) == 0 ? 0 : FailExport(ZEXIF_ERROR_NOT_FOUND);
 }
 
+// A failure that nothing deeper explains is an IFD that isn't there and
+// can't be made.
 int zExifSetTag(CExifDoc *doc, uint32_t tag, const ExifTagValue *value, int ifd)
 {
-    if (doc == nullptr || value == nullptr || tag > MAX_TAG_NUMBER || value->type == 0) return -1;
+    BeginExport();
+    if (doc == nullptr || !IsSettableTag(tag, value)) return FailExport(ZEXIF_ERROR_ARGUMENT);
     int inExifIfd = IsExifIfdTag(tag);
+    int result = -1;
     if (doc->m_format == FORMAT_TIFF) {
-        return inExifIfd ? SetTiffExifTag(doc, tag, value) : SetTiffTag(doc, tag, value, ifd);
+        result = inExifIfd ? SetTiffExifTag(doc, tag, value) : SetTiffTag(doc, tag, value, ifd);
+    } else if (doc->m_format == FORMAT_JPEG) {
+        result = inExifIfd ? SetJpegExifTag(doc, tag, value) : SetJpegTag(doc, tag, value, ifd);
     }
-    if (doc->m_format == FORMAT_JPEG) {
-        return inExifIfd ? SetJpegExifTag(doc, tag, value) : SetJpegTag(doc, tag, value, ifd);
-    }
-    return -1;
+    return result == 0 ? 0 : FailExport(ZEXIF_ERROR_NOT_FOUND);
 }

@@ -4,8 +4,10 @@
 #include "edit/marker_chain.h"
 #include "edit/tag_lookup.h"
 #include "edit/tag_structures.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -75,32 +77,43 @@ int HoldsThumbnail(CNode *ifd)
 
 // A JPEG without a TIFF block gets one: in its Exif APP1 when that never had
 // a tree, else in a new APP1.
-int AddExifBlock(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int inExifIfd)
+int AddExifBlock(CExifDoc *doc, CTag *entry)
 {
     CMarker *app1 = doc->m_exifMarker;
-    if (app1 != nullptr && app1->m_child == nullptr) return AddBlock(doc, app1, number, value, inExifIfd);
-    return AddApp1(doc, number, value, inExifIfd);
+    if (app1 != nullptr && app1->m_child == nullptr) return AddBlock(doc, app1, entry);
+    return AddApp1(doc, entry);
 }
 
 // An IFD that stands beyond the block's number of IFDs would be skipped by
 // the save, which visits the indices up to that number only.
-int AddJpegIfd(CExifDoc *doc, CNode *header, uint32_t index, uint32_t number, const ExifTagValue *value)
+int AddJpegIfd(CExifDoc *doc, CNode *header, uint32_t index, CTag *entry)
 {
-    if (index > CountIfdsBehind(header)) return -1;
-    return AddIfd(doc, FindIfdPlace(header, index), index, number, value, 0);
+    if (index > CountIfdsBehind(header)) {
+        DeleteTree(entry);
+        NoteFailure(ZEXIF_ERROR_NOT_FOUND);
+        return -1;
+    }
+    return AddIfd(doc, FindIfdPlace(header, index), index, entry);
 }
 
 // An IFD 0 that holds the thumbnail's offset becomes IFD 1, where the save
 // writes a thumbnail, and the Exif IFD goes into a new IFD 0 in front of it.
 // Every IFD behind the new one moves up by one.
-int AddExifIfdInFront(CExifDoc *doc, CNode *header, uint32_t number, const ExifTagValue *value)
+int AddExifIfdInFront(CExifDoc *doc, CNode *header, CTag *entry)
 {
-    if (AddIfd(doc, header, 0, number, value, 1) != 0) return -1;
+    if (AddIfd(doc, header, 0, entry) != 0) return -1;
     ShiftIfdIndices(header->m_next->m_next);
     return 0;
 }
 
 }  // namespace
+
+int AddJpegChainIfd(CExifDoc *doc, uint32_t index, CTag *entry)
+{
+    CNode *header = FindBlockHeader(doc);
+    if (header != nullptr) return AddJpegIfd(doc, header, index, entry);
+    return AddExifBlock(doc, entry);
+}
 
 // The whole tree is searched for the tag, not only the IFD named.
 int SetTiffTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int ifd)
@@ -109,7 +122,7 @@ int SetTiffTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int if
     if (target == nullptr) return -1;
     CTag *found = FindEntry(doc->m_root, number);
     if (found != nullptr) return Replace(found, value);
-    return AddEntry(target, number, value);
+    return AddEntry(doc, target, number, value);
 }
 
 // No IFD is made for a TIFF file: without an IFD 0 there is no place for the
@@ -118,7 +131,7 @@ int SetTiffExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value)
 {
     CTag *found = FindExifEntry(doc, number);
     if (found != nullptr) return Replace(found, value);
-    if (doc->m_exifIfdTag != nullptr) return AddEntry(doc->m_exifIfdTag, number, value);
+    if (doc->m_exifIfdTag != nullptr) return AddEntry(doc, doc->m_exifIfdTag, number, value);
     CNode *ifd0 = doc->FindIfd(0);
     if (ifd0 == nullptr) return -1;
     return AddExifIfd(doc, ifd0, number, value);
@@ -131,11 +144,9 @@ int SetJpegTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int if
     if (target != nullptr) {
         CTag *found = FindEntry(target, number);
         if (found != nullptr) return Replace(found, value);
-        return AddEntry(target, number, value);
+        return AddEntry(doc, target, number, value);
     }
-    CNode *header = FindBlockHeader(doc);
-    if (header != nullptr) return AddJpegIfd(doc, header, index, number, value);
-    return AddExifBlock(doc, number, value, 0);
+    return AddJpegChainIfd(doc, index, MakeValueTag(number, value));
 }
 
 // An Exif IFD that exists takes the tag, wherever it stands, so that no
@@ -144,11 +155,12 @@ int SetJpegExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value)
 {
     CTag *found = FindExifEntry(doc, number);
     if (found != nullptr) return Replace(found, value);
-    if (doc->m_exifIfdTag != nullptr) return AddEntry(doc->m_exifIfdTag, number, value);
+    if (doc->m_exifIfdTag != nullptr) return AddEntry(doc, doc->m_exifIfdTag, number, value);
     CNode *header = FindBlockHeader(doc);
-    if (header == nullptr) return AddExifBlock(doc, number, value, 1);
+    CTag *entry = MakeEntry(number, value, 1);
+    if (header == nullptr) return AddExifBlock(doc, entry);
     CNode *ifd0 = FindIfdBehind(header, 0);
-    if (ifd0 == nullptr) return AddIfd(doc, header, 0, number, value, 1);
-    if (HoldsThumbnail(ifd0)) return AddExifIfdInFront(doc, header, number, value);
-    return AddExifIfd(doc, ifd0, number, value);
+    if (ifd0 == nullptr) return AddIfd(doc, header, 0, entry);
+    if (HoldsThumbnail(ifd0)) return AddExifIfdInFront(doc, header, entry);
+    return PlaceEntry(doc, ifd0, entry);
 }

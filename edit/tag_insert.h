@@ -16,4 +16,12 @@ int SetTiffExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value);
 int SetJpegTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int ifd);
 int SetJpegExifTag(CExifDoc *doc, uint32_t number, const ExifTagValue *value);
 
+class CTag;
+
+// Puts entry (see tag_structures.h) into a new IFD of that index in a JPEG's
+// block, the one whose IFDs lookups walk. A JPEG without a block gets one,
+// its IFD 0 taking entry whatever the index. 0, or -1 with entry destroyed
+// and the tree unchanged when the index lies beyond the IFDs there are.
+int AddJpegChainIfd(CExifDoc *doc, uint32_t index, CTag *entry);
+
 #endif

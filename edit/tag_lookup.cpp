@@ -5,9 +5,21 @@
 #include "tree/document.h"
 #include "tree/walk.h"
 
+namespace {
+
+constexpr uint32_t MAX_TAG_NUMBER = 0xFFFF;
+
+}  // namespace
+
 int64_t ValueDataSize(const ExifTagValue &value)
 {
     return EntryDataSize(value.type, value.count);
+}
+
+int IsSettableTag(uint32_t number, const ExifTagValue *value)
+{
+    if (value == nullptr || number > MAX_TAG_NUMBER || value->type == 0) return 0;
+    return value->data != nullptr || TiffTypeSize(value->type) == 0 || value->count == 0;
 }
 
 // The walk of FindNode, with the match limited to entries.

@@ -13,6 +13,11 @@ class CTag;
 // count for a type outside 1 to 12.
 int64_t ValueDataSize(const ExifTagValue &value);
 
+// 1 for a tag a caller may set: a number that fits an entry's 16 bits, a type
+// other than 0, which no file can be read back with, and data for a value
+// that has bytes.
+int IsSettableTag(uint32_t number, const ExifTagValue *value);
+
 // The first entry of that number in the walk of FindNode from start: start,
 // its subtree, its later siblings with theirs. Structural nodes that share the
 // number (IFD, entry count, link, header) are walked past, never returned.

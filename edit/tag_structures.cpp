@@ -6,8 +6,10 @@
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -24,24 +26,15 @@ CNode *MakeLink()
     return NewStructuralNode(NODE_NEXT_IFD, KIND_PLAIN, 0);
 }
 
-CTag *MakeValueTag(uint32_t number, const ExifTagValue *value)
+// Its value is a placeholder: the save writes the sub-IFD's offset.
+CTag *MakePointer(uint32_t number)
 {
     CTag *tag = new (std::nothrow) CTag();
-    if (tag == nullptr) return nullptr;
-    tag->m_id = static_cast<int32_t>(number);
-    if (!tag->SetValue(value)) {
-        delete tag;
+    if (tag == nullptr) {
+        NoteFailure(ZEXIF_ERROR_MEMORY);
         return nullptr;
     }
-    return tag;
-}
-
-// Its value is a placeholder: the save writes the Exif IFD's offset.
-CTag *MakeExifPointer()
-{
-    CTag *tag = new (std::nothrow) CTag();
-    if (tag == nullptr) return nullptr;
-    tag->m_id = TAG_EXIF_IFD;
+    tag->m_id = static_cast<int32_t>(number);
     tag->m_type = TIFF_LONG;
     tag->m_count = 1;
     return tag;
@@ -68,75 +61,89 @@ void LinkChain(CNode *owner, CNode *count, CNode *entry, CNode *link)
     for (CNode *node = count; node != nullptr; node = node->m_next) node->m_parent = owner;
 }
 
-// The entry for a new chain: the tag, or an Exif pointer whose new Exif IFD
-// holds the tag. Null when a node can't be made.
-CTag *MakeEntry(uint32_t number, const ExifTagValue *value, int inExifIfd)
-{
-    CTag *tag = MakeValueTag(number, value);
-    if (!inExifIfd || tag == nullptr) return tag;
-    CTag *pointer = MakeExifPointer();
-    CNode *nodes[4] = {tag, pointer, MakeCount(), MakeLink()};
-    if (!AllMade(nodes, 4)) return nullptr;
-    LinkChain(pointer, nodes[2], tag, nodes[3]);
-    return pointer;
-}
+}  // namespace
 
-void NoteExifIfd(CExifDoc *doc, CTag *pointer)
+void NoteSubIfd(CExifDoc *doc, CTag *entry)
 {
-    doc->m_exifIfdTag = pointer;
+    if (entry->m_id != TAG_EXIF_IFD || !IsCountNode(entry->m_child)) return;
+    doc->m_exifIfdTag = entry;
     doc->m_hasExif = 1;
 }
 
-// Takes entry: it ends in the tree, or destroyed.
-int PlaceEntry(CNode *owner, CTag *entry, uint32_t number)
+CTag *MakeValueTag(uint32_t number, const ExifTagValue *value)
+{
+    CTag *tag = new (std::nothrow) CTag();
+    if (tag == nullptr) {
+        NoteFailure(ZEXIF_ERROR_MEMORY);
+        return nullptr;
+    }
+    tag->m_id = static_cast<int32_t>(number);
+    if (!tag->SetValue(value)) {
+        delete tag;
+        return nullptr;
+    }
+    return tag;
+}
+
+CTag *WrapInSubIfd(uint32_t pointer, CTag *entry)
+{
+    if (entry == nullptr) return nullptr;
+    CTag *wrapper = MakePointer(pointer);
+    CNode *nodes[4] = {entry, wrapper, MakeCount(), MakeLink()};
+    if (!AllMade(nodes, 4)) return nullptr;
+    LinkChain(wrapper, nodes[2], entry, nodes[3]);
+    return wrapper;
+}
+
+CTag *MakeEntry(uint32_t number, const ExifTagValue *value, int inExifIfd)
+{
+    CTag *tag = MakeValueTag(number, value);
+    return inExifIfd ? WrapInSubIfd(TAG_EXIF_IFD, tag) : tag;
+}
+
+int PlaceEntry(CExifDoc *doc, CNode *owner, CTag *entry)
 {
     if (entry == nullptr) return -1;
     if (owner->m_child != nullptr && !IsCountNode(owner->m_child)) {
         DeleteTree(entry);
+        NoteFailure(ZEXIF_ERROR_DAMAGED);
         return -1;
     }
     if (owner->m_child == nullptr) {
         CNode *nodes[3] = {entry, MakeCount(), MakeLink()};
         if (!AllMade(nodes, 3)) return -1;
         LinkChain(owner, nodes[1], entry, nodes[2]);
-        return 0;
+    } else {
+        InsertAfter(FindInsertPoint(owner->m_child, static_cast<uint32_t>(entry->m_id)), entry);
+        SyncEntryCount(owner);
     }
-    InsertAfter(FindInsertPoint(owner->m_child, number), entry);
-    SyncEntryCount(owner);
+    NoteSubIfd(doc, entry);
     return 0;
 }
 
-}  // namespace
-
-int AddEntry(CNode *owner, uint32_t number, const ExifTagValue *value)
+int AddEntry(CExifDoc *doc, CNode *owner, uint32_t number, const ExifTagValue *value)
 {
-    return PlaceEntry(owner, MakeValueTag(number, value), number);
+    return PlaceEntry(doc, owner, MakeValueTag(number, value));
 }
 
 int AddExifIfd(CExifDoc *doc, CNode *ifd, uint32_t number, const ExifTagValue *value)
 {
-    CTag *pointer = MakeEntry(number, value, 1);
-    if (PlaceEntry(ifd, pointer, TAG_EXIF_IFD) != 0) return -1;
-    NoteExifIfd(doc, pointer);
-    return 0;
+    return PlaceEntry(doc, ifd, MakeEntry(number, value, 1));
 }
 
-int AddIfd(CExifDoc *doc, CNode *place, uint32_t index, uint32_t number, const ExifTagValue *value,
-           int inExifIfd)
+int AddIfd(CExifDoc *doc, CNode *place, uint32_t index, CTag *entry)
 {
-    CTag *entry = MakeEntry(number, value, inExifIfd);
     CNode *ifd = MakeEmptyIfd(index);
     CNode *nodes[4] = {entry, ifd, MakeCount(), MakeLink()};
     if (!AllMade(nodes, 4)) return -1;
     LinkChain(ifd, nodes[2], entry, nodes[3]);
     InsertAfter(place, ifd);
-    if (inExifIfd) NoteExifIfd(doc, entry);
+    NoteSubIfd(doc, entry);
     return 0;
 }
 
-int AddBlock(CExifDoc *doc, CMarker *app1, uint32_t number, const ExifTagValue *value, int inExifIfd)
+int AddBlock(CExifDoc *doc, CMarker *app1, CTag *entry)
 {
-    CTag *entry = MakeEntry(number, value, inExifIfd);
     CNode *header = MakeTiffHeaderNode();
     CNode *ifd = MakeEmptyIfd(0);
     CNode *nodes[5] = {entry, header, ifd, MakeCount(), MakeLink()};
@@ -148,18 +155,21 @@ int AddBlock(CExifDoc *doc, CMarker *app1, uint32_t number, const ExifTagValue *
     header->m_parent = app1;
     ifd->m_parent = app1;
     doc->m_bigEndian = 0;
-    if (inExifIfd) NoteExifIfd(doc, entry);
+    NoteSubIfd(doc, entry);
     return 0;
 }
 
 // The new marker is the document's Exif APP1, so m_exifMarker names it.
-int AddApp1(CExifDoc *doc, uint32_t number, const ExifTagValue *value, int inExifIfd)
+int AddApp1(CExifDoc *doc, CTag *entry)
 {
     CNode *place = FindApp1Place(doc);
-    if (place == nullptr) return -1;
-    CMarker *app1 = MakeExifMarker(0);
-    if (app1 == nullptr) return -1;
-    if (AddBlock(doc, app1, number, value, inExifIfd) != 0) {
+    CMarker *app1 = place != nullptr ? MakeExifMarker(0) : nullptr;
+    if (app1 == nullptr) {
+        if (place == nullptr) NoteFailure(ZEXIF_ERROR_DAMAGED);
+        DeleteTree(entry);
+        return -1;
+    }
+    if (AddBlock(doc, app1, entry) != 0) {
         delete app1;
         return -1;
     }

@@ -3,10 +3,12 @@
 
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
+#include "platform/failure_reason.h"
 #include "streams/stream.h"
 #include "streams/stream_size.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -85,7 +87,7 @@ int ReadThumbnail(CExifDoc *doc, ExifBuffer *out)
     ThumbSource source;
     if (offset < 1 || size < 1 || !LocateSource(doc, offset + size, &source) || offset + size > source.avail) return 0;
     unsigned char *block = static_cast<unsigned char *>(std::malloc(static_cast<size_t>(size)));
-    if (block == nullptr) return 0;
+    if (block == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     if (!CopyFromSource(source, offset, static_cast<int32_t>(size), block)) {
         std::free(block);
         return 0;

@@ -1,5 +1,6 @@
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "tree/walk.h"
 
@@ -31,6 +32,12 @@ int DropUnplaced(CExifDoc *doc, CTag *thumbTag, CNode *const *nodes, int count)
     return -1;
 }
 
+int LimitPassed()
+{
+    NoteFailure(ZEXIF_ERROR_LIMIT);
+    return -1;
+}
+
 int FinishThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
 {
     doc->m_hasThumb = 1;
@@ -48,8 +55,8 @@ int ReplaceThumbnail(CExifDoc *doc, CMarker *app1, const ExifBuffer *buffer)
 {
     CTag *length = AsTag(FindNode(doc->m_thumbTag, TAG_THUMB_LENGTH));
     int64_t old = length != nullptr ? length->m_value : 0;
-    if (int64_t(buffer->size) - old + app1->m_size > THUMB_APP1_LIMIT) return -1;
-    if (!FitsWithThumbnail(doc, buffer->size)) return -1;
+    if (int64_t(buffer->size) - old + app1->m_size > THUMB_APP1_LIMIT) return LimitPassed();
+    if (!FitsWithThumbnail(doc, buffer->size)) return LimitPassed();
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return -1;
     return FinishThumbnail(doc, buffer);
 }
@@ -70,7 +77,8 @@ CNode *IfdsGivingWay(CNode *header, CNode *ifd0)
 int AddThumbnailToBlock(CExifDoc *doc, CNode *header, const ExifBuffer *buffer)
 {
     CMarker *app1 = HoldingMarker(header);
-    if (app1 == nullptr || int64_t(buffer->size) + app1->m_size > THUMB_APP1_LIMIT) return -1;
+    if (app1 == nullptr) return -1;
+    if (int64_t(buffer->size) + app1->m_size > THUMB_APP1_LIMIT) return LimitPassed();
     CNode *ifd0 = FindIfdBehind(header, 0);
     CTag *thumbTag = doc->m_thumbTag;
     CNode *made[2] = {MakeEmptyIfd(1), ifd0 == nullptr ? MakeEmptyIfd(0) : nullptr};
@@ -81,7 +89,10 @@ int AddThumbnailToBlock(CExifDoc *doc, CNode *header, const ExifBuffer *buffer)
     if (newIfd0 != nullptr && !BuildIfd0(doc, newIfd0)) return DropUnplaced(doc, thumbTag, made, 2);
     if (!doc->m_thumbTag->SetData(buffer->data, SizeOf(buffer))) return DropUnplaced(doc, thumbTag, made, 2);
     CNode *dropped = IfdsGivingWay(header, ifd0);
-    if (!FitsAfterSwap(header, dropped, made, 2)) return DropUnplaced(doc, thumbTag, made, 2);
+    if (!FitsAfterSwap(header, dropped, made, 2)) {
+        LimitPassed();
+        return DropUnplaced(doc, thumbTag, made, 2);
+    }
 
     CNode *place = ifd0 != nullptr ? ifd0 : header;
     if (dropped != nullptr) place->m_next = nullptr;
@@ -99,7 +110,7 @@ int AddThumbnailToBlock(CExifDoc *doc, CNode *header, const ExifBuffer *buffer)
 // it as it is.
 int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
 {
-    if (int64_t(buffer->size) > THUMB_NEW_LIMIT) return -1;
+    if (int64_t(buffer->size) > THUMB_NEW_LIMIT) return LimitPassed();
     CNode *place = FindApp1Place(doc);
     if (place == nullptr) return -1;
     CTag *thumbTag = doc->m_thumbTag;

@@ -1,5 +1,6 @@
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
+#include "platform/failure_reason.h"
 #include "tree/document.h"
 #include "tree/walk.h"
 
@@ -87,7 +88,11 @@ int PlaceThumbIfd(CExifDoc *doc, const ExifBuffer *buffer, const JpegFrameSize &
 int SetTiffThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
 {
     JpegFrameSize frame;
-    if (!ReadJpegFrameSize(buffer->data, buffer->size, &frame) || !PlaceThumbIfd(doc, buffer, frame)) return -1;
+    if (!ReadJpegFrameSize(buffer->data, buffer->size, &frame)) {
+        NoteFailure(ZEXIF_ERROR_ARGUMENT);
+        return -1;
+    }
+    if (!PlaceThumbIfd(doc, buffer, frame)) return -1;
     doc->m_hasThumb = 1;
     doc->m_thumbLoaded = 1;
     doc->m_thumbType = THUMB_TYPE_JPEG;

@@ -1,6 +1,7 @@
 #include "edit/exif_ifd_tags.h"
 #include "edit/tag_insert.h"
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "reader/tif_tag_list.h"
 #include "tree/document.h"
 #include "zexif.h"
@@ -23,12 +24,14 @@ int IsImportable(const TifTagItem *item)
 // the list again.
 int zExifSetTIFExifData(CExifDoc *doc, TifTagList *list)
 {
-    if (doc == nullptr || doc->m_format != FORMAT_TIFF || list == nullptr) return -1;
+    BeginExport();
+    if (doc == nullptr || list == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (doc->m_format != FORMAT_TIFF) return FailExport(ZEXIF_ERROR_FORMAT);
     for (int32_t i = 0; i < list->count && list->items != nullptr; i++) {
         const TifTagItem *item = list->items[i];
         if (!IsImportable(item)) continue;
         ExifTagValue value = {item->type, item->count, item->data};
-        if (SetTiffExifTag(doc, item->tag, &value) != 0) return -1;
+        if (SetTiffExifTag(doc, item->tag, &value) != 0) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     }
     FreeTifTagList(list);
     return 0;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "zexif.h"
 #include "tree/document.h"
 
@@ -21,12 +22,12 @@ char *CopySignature(const unsigned char *signature)
 int CDocBuilder::OnMarker(int32_t id, int32_t size, int32_t offset, const unsigned char *signature)
 {
     CMarker *marker = new (std::nothrow) CMarker(id, size, offset);
-    if (marker == nullptr) return 0;
+    if (marker == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     if (signature != nullptr) {
         marker->m_sig = CopySignature(signature);
         if (marker->m_sig == nullptr) {
             delete marker;
-            return 0;
+            return NoteFailure(ZEXIF_ERROR_MEMORY);
         }
     }
     m_doc->AddSibling(marker);
@@ -63,7 +64,7 @@ int CDocBuilder::OnEntryCount(uint32_t count)
 int CDocBuilder::OnTag(const IfdEntry &entry)
 {
     CTag *tag = new (std::nothrow) CTag;
-    if (tag == nullptr) return 0;
+    if (tag == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     tag->m_id = entry.tag;
     tag->m_type = entry.type;
     tag->m_count = static_cast<int32_t>(entry.count);

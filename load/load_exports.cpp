@@ -3,8 +3,10 @@
 
 #include "load/doc_builder.h"
 #include "load/jpeg_parser.h"
+#include "load/load_document.h"
 #include "load/tiff_parser.h"
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "streams/stream.h"
 #include "tree/document.h"
 #include "zexif.h"
@@ -40,7 +42,8 @@ int ParseDocument(CExifDoc *doc)
     stream->Seek(0, 0);
     uint32_t got = stream->Read(head, 4);
     stream->Seek(0, 0);
-    if (got < 2 || IsTooLarge(stream)) return 0;
+    if (got < 2) return NoteFailure(ZEXIF_ERROR_FORMAT);
+    if (IsTooLarge(stream)) return NoteFailure(ZEXIF_ERROR_LIMIT);
     CDocBuilder builder(doc);
     if (IsJpeg(head)) {
         doc->m_format = FORMAT_JPEG;
@@ -50,27 +53,43 @@ int ParseDocument(CExifDoc *doc)
         doc->m_format = FORMAT_TIFF;
         return ParseTiff(stream, &builder);
     }
-    return 0;
+    return NoteFailure(ZEXIF_ERROR_FORMAT);
 }
 
 }  // namespace
+
+// A read that failed may have cut the tree short of the file.
+CExifDoc *ParseNewDocument(CExifDoc *doc)
+{
+    int parsed = ParseDocument(doc);
+    if (doc->m_stream->HasFailed()) parsed = NoteFailure(ZEXIF_ERROR_READ);
+    if (parsed) return doc;
+    delete doc;
+    FailExport(ZEXIF_ERROR_DAMAGED);
+    return nullptr;
+}
 
 extern "C" {
 
 CExifDoc *zExifLoadFile(const void *path)
 {
+    BeginExport();
+    if (path == nullptr) {
+        FailExport(ZEXIF_ERROR_ARGUMENT);
+        return nullptr;
+    }
     CExifDoc *doc = new (std::nothrow) CExifDoc;
-    if (doc == nullptr) return nullptr;
+    if (doc == nullptr) {
+        FailExport(ZEXIF_ERROR_MEMORY);
+        return nullptr;
+    }
     if (!CreateFileStream(&doc->m_stream, path, STREAM_READ)) {
         delete doc;
+        FailExport(ZEXIF_ERROR_OPEN);
         return nullptr;
     }
     doc->m_path = path;
-    if (!ParseDocument(doc) || doc->m_stream->HasFailed()) {
-        delete doc;
-        return nullptr;
-    }
-    return doc;
+    return ParseNewDocument(doc);
 }
 
 void zExifDestroy(CExifDoc *doc)
@@ -80,12 +99,12 @@ void zExifDestroy(CExifDoc *doc)
 
 int zExifGetFileFormat(CExifDoc *doc)
 {
-    return doc == nullptr ? 0 : doc->m_format;
+    return doc == nullptr ? RefuseNullHandle() : doc->m_format;
 }
 
 int zExifIsExifExist(CExifDoc *doc)
 {
-    return doc == nullptr ? 0 : doc->m_hasExif;
+    return doc == nullptr ? RefuseNullHandle() : doc->m_hasExif;
 }
 
 }

@@ -5,11 +5,13 @@
 
 #include "load/doc_builder.h"
 #include "load/ifd_entry_decode.h"
+#include "platform/failure_reason.h"
 #include "streams/byte_order.h"
 #include "streams/stream.h"
 #include "streams/stream_size.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -22,10 +24,16 @@ constexpr int32_t IFD_FAILED = -1;
 unsigned char *FetchValue(const IfdEntry &entry, int bigEndian, CStreamIO *stream, CDocBuilder *builder)
 {
     int64_t size = EntryDataSize(entry.type, entry.count);
-    if (size > builder->m_valueBudget) return nullptr;
+    if (size > builder->m_valueBudget) {
+        NoteFailure(ZEXIF_ERROR_LIMIT);
+        return nullptr;
+    }
     builder->m_valueBudget -= size;
     unsigned char *bytes = new (std::nothrow) unsigned char[static_cast<size_t>(size)]();
-    if (bytes == nullptr) return nullptr;
+    if (bytes == nullptr) {
+        NoteFailure(ZEXIF_ERROR_MEMORY);
+        return nullptr;
+    }
     if (int64_t(entry.value) < builder->m_streamSize) {
         stream->Seek(0, static_cast<int32_t>(entry.value));
         stream->Read(bytes, static_cast<uint32_t>(size));
@@ -132,7 +140,11 @@ int32_t ParseIfd(int bigEndian, CStreamIO *stream, CDocBuilder *builder)
     unsigned char raw[2];
     if (stream->Read(raw, 2) != 2) return IFD_FAILED;
     uint32_t count = ReadU16(raw, bigEndian);
-    if (count == 0 || count > MAX_IFD_ENTRIES) return IFD_FAILED;
+    if (count == 0) return IFD_FAILED;
+    if (count > MAX_IFD_ENTRIES) {
+        NoteFailure(ZEXIF_ERROR_LIMIT);
+        return IFD_FAILED;
+    }
 
     unsigned char table[MAX_IFD_ENTRIES * ENTRY_SIZE];
     uint32_t complete = stream->Read(table, count * ENTRY_SIZE) / ENTRY_SIZE;

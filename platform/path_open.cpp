@@ -8,8 +8,10 @@
 #include <cstring>
 #include <string>
 
+#include "platform/failure_reason.h"
 #include "platform/fault_point.h"
 #include "platform/utf16.h"
+#include "zexif.h"
 
 namespace {
 
@@ -28,16 +30,13 @@ int IsDirectory(int file)
     return fstat(file, &info) != 0 || S_ISDIR(info.st_mode);
 }
 
-}  // namespace
-
 // A 16-bit path read as a narrow string is often just "/", which opens as a
 // directory; where the 16-bit reading is possible, a directory doesn't count
 // as the narrow reading's file. A file to be made would always open under
 // the narrow reading, named by the path's first byte or bytes: there the
 // 16-bit reading goes first, where it is a path.
-int OpenPathDescriptor(const void *path, int flags)
+int OpenEitherReading(const void *path, int flags)
 {
-    if (path == nullptr) return -1;
     const char *narrow = static_cast<const char *>(path);
     if (!LooksLikeWidePath(narrow)) return OpenDescriptor(narrow, flags);
     std::string converted;
@@ -48,6 +47,18 @@ int OpenPathDescriptor(const void *path, int flags)
     if (file >= 0) close(file);
     if (!Utf16ToUtf8(path, converted)) return -1;
     return OpenDescriptor(converted.c_str(), flags);
+}
+
+}  // namespace
+
+// Where no reading opens a file, the reason noted is the one the system gave
+// for the last reading tried.
+int OpenPathDescriptor(const void *path, int flags)
+{
+    if (path == nullptr) return -1;
+    int file = OpenEitherReading(path, flags);
+    if (file < 0) NoteSystemFailure(ZEXIF_ERROR_OPEN);
+    return file;
 }
 
 FILE *OpenPath(const void *path, const char *mode)

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "edit/fpxr_format.h"
+#include "platform/failure_reason.h"
 #include "platform/path_open.h"
 #include "reader/reader.h"
 #include "streams/byte_order.h"
@@ -100,7 +101,7 @@ SegmentStep WriteSegment(CExifReader *reader, const AudioSegment &segment, const
 
 int zRExifIsAudioExist(CExifReader *reader)
 {
-    if (reader == nullptr) return 0;
+    if (reader == nullptr) return RefuseNullHandle();
     for (int32_t i = 0; i < reader->m_fpxrCount; i++) {
         AudioSegment segment;
         if (!LoadAudioSegment(reader, reader->m_fpxrSegments[i], &segment)) break;
@@ -117,16 +118,19 @@ int zRExifIsAudioExist(CExifReader *reader)
 // one cut short by a failed read or write doesn't.
 int zRExifGetAudioFile(CExifReader *reader, const void *path)
 {
-    if (reader == nullptr || path == nullptr || reader->m_fpxrCount < 1) return -1;
+    BeginExport();
+    if (reader == nullptr || path == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (reader->m_fpxrCount < 1) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     AudioOutput output;
     for (int32_t i = 0; i < reader->m_fpxrCount; i++) {
         AudioSegment segment;
         if (!LoadAudioSegment(reader, reader->m_fpxrSegments[i], &segment)) break;
         SegmentStep step = WriteSegment(reader, segment, path, &output);
-        if (step == STEP_FAILED) return -1;
+        if (step == STEP_FAILED) return FailExport(ZEXIF_ERROR_WRITE);
         if (step == STEP_STOP || (step == STEP_WRITTEN && output.m_remaining <= 0)) break;
     }
-    if (output.m_file == nullptr) return -1;
+    if (output.m_file == nullptr) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     const int closed = std::fclose(output.m_file) == 0;
-    return closed && !output.m_writeFailed && !reader->m_file.HasFailed() ? 0 : -1;
+    if (reader->m_file.HasFailed()) return FailExport(ZEXIF_ERROR_READ);
+    return closed && !output.m_writeFailed ? 0 : FailExport(ZEXIF_ERROR_WRITE);
 }

@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "platform/failure_reason.h"
 #include "platform/read_only_file.h"
+#include "zexif.h"
 
 CCachedFileObj::~CCachedFileObj()
 {
@@ -16,13 +18,30 @@ int CCachedFileObj::Open(const void *path)
     return m_file >= 0;
 }
 
+void CCachedFileObj::OpenMemory(const unsigned char *data, uint32_t size)
+{
+    m_memory = data;
+    m_memorySize = size;
+    m_size = size;
+}
+
+int64_t CCachedFileObj::ReadMemory(int64_t position, unsigned char *buffer, uint32_t size) const
+{
+    if (position >= m_memorySize) return 0;
+    uint32_t left = m_memorySize - static_cast<uint32_t>(position);
+    uint32_t got = size < left ? size : left;
+    std::memcpy(buffer, m_memory + position, got);
+    return got;
+}
+
 // A short read ends the file there; one that gave nothing only says the file
 // ends at position or before.
 uint32_t CCachedFileObj::ReadFile(int64_t position, unsigned char *buffer, uint32_t size)
 {
-    int64_t got = ReadFileAt(m_file, position, buffer, size);
+    int64_t got = m_memory != nullptr ? ReadMemory(position, buffer, size) : ReadFileAt(m_file, position, buffer, size);
     if (got < 0) {
         m_failed = 1;
+        NoteFailure(ZEXIF_ERROR_READ);
         return 0;
     }
     if (got > 0 && got < size) m_size = position + got;

@@ -32,6 +32,9 @@ public:
 
     // Opens the file once; 0 when no file opens at path.
     int Open(const void *path);
+    // Reads a caller's bytes as the file instead, where they lie; they must
+    // outlive the stream.
+    void OpenMemory(const unsigned char *data, uint32_t size);
 
     // The scans read a byte or a field at a time, mostly from what the head
     // holds already: that case is answered inline, where the stream's type
@@ -65,9 +68,12 @@ private:
     uint32_t ReadThroughWindow(unsigned char *buffer, uint32_t size);
     // All reads of the file pass here; a failed read gives nothing.
     uint32_t ReadFile(int64_t position, unsigned char *buffer, uint32_t size);
+    int64_t ReadMemory(int64_t position, unsigned char *buffer, uint32_t size) const;
     int64_t Size();
 
     int m_file = -1;
+    const unsigned char *m_memory = nullptr;
+    uint32_t m_memorySize = 0;
     int64_t m_pos = 0;
     int64_t m_size = -1;  // known after a read came short or the end was sought
     int m_eof = 0;

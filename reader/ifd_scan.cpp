@@ -66,12 +66,13 @@ void StoreValue(CExifReader *reader, const IfdEntry &entry, const EntryValue &va
     if (value.m_present) StoreTagSlot(reader, entry.tag, entry.type, value.m_data, entry.count, value.m_size);
 }
 
-// A wanted scan reads no value of the five from outside the entry; such a
-// value is absent then and the slot keeps what an earlier scan put there. Nor
-// does it refill a slot that is filled: its value may have been handed out.
+// A wanted scan of the Exif IFD that meets one of the five replaces its slot,
+// as the chain's scan did, but never a value handed out: the caller's pointer
+// stays valid. It reads no such value from outside the entry; that value is
+// absent then and the slot keeps what an earlier scan put there.
 void CacheTag(const IfdScan &scan, const IfdEntry &entry, const unsigned char *field)
 {
-    if (scan.m_wantedTag != 0 && IsTagCached(scan.m_reader, entry.tag)) return;
+    if (scan.m_wantedTag != 0 && IsSlotHandedOut(scan.m_reader, entry.tag)) return;
     int selected = scan.m_wantedTag == 0 || scan.m_wantedTag == entry.tag;
     EntryValue value;
     GetValue(scan, entry, field, selected, &value);

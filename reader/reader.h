@@ -32,9 +32,18 @@ struct ReaderTagSlot {
     uint32_t tag = 0;
     uint32_t type = 0;
     uint32_t count = 0;
+    int32_t handedOut = 0;  // its value went to a caller, so it is kept as it is
     unsigned char *data = nullptr;
     ReaderTagSlot *next = nullptr;
     unsigned char inPlace[SLOT_VALUE_IN_PLACE];
+};
+
+// A value of one tag of one IFD that zRExifGetTagAt handed out, kept as it
+// was until the reader ends.
+struct ReaderTagAt {
+    int32_t ifd = 0;
+    TifTagItem *item = nullptr;
+    ReaderTagAt *next = nullptr;
 };
 
 // The read-only handle: the open file, where its segments lie and a small
@@ -70,7 +79,12 @@ struct CExifReader {
     // Every other tag asked for, one slot each: a value handed out must stay
     // valid until the reader ends, so a slot is never refilled once asked for.
     ReaderTagSlot *m_wantedTags = nullptr;
+    ReaderTagAt *m_tagsAt = nullptr;
     ExifBuffer *m_thumb = nullptr;
 };
+
+// Scans the file that a new reader has opened. The reader, or null when the
+// file is no JPEG or TIFF or can't be scanned: the reader is released then.
+CExifReader *ScanNewReader(CExifReader *reader);
 
 #endif

@@ -1,6 +1,7 @@
 #include <new>
 
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "reader/jpeg_scan.h"
 #include "reader/reader.h"
 #include "reader/tag_slots.h"
@@ -31,18 +32,8 @@ void ReleaseReader(CExifReader *reader)
 
 }  // namespace
 
-// One allocation holds the reader and the head of its file; the head's buffer
-// is left uncleared, as only bytes read into it are ever looked at. The first
-// read brings in the head: the rest of the scan costs no system call as a rule.
-CExifReader *zRExifBeginRead(const void *path)
+CExifReader *ScanNewReader(CExifReader *reader)
 {
-    CExifReader *reader = new (std::nothrow) CExifReader;
-    if (reader == nullptr) return nullptr;
-    if (!reader->m_file.Open(path)) {
-        delete reader;
-        return nullptr;
-    }
-    reader->m_path = path;
     CCachedFileObj &file = reader->m_file;
     unsigned char start[4] = {};
     file.Read(start, 4);
@@ -50,13 +41,39 @@ CExifReader *zRExifBeginRead(const void *path)
     if (IsJpegStart(start)) {
         reader->m_format = FORMAT_JPEG;
         if (ScanJpegSegments(&file, reader)) return reader;
+        NoteFailure(ZEXIF_ERROR_MEMORY);
     } else if (IsTiffStart(start)) {
         reader->m_format = FORMAT_TIFF;
         ScanTiffChain(&file, reader);
         return reader;
     }
     ReleaseReader(reader);
+    FailExport(ZEXIF_ERROR_FORMAT);
     return nullptr;
+}
+
+// One allocation holds the reader and the head of its file; the head's buffer
+// is left uncleared, as only bytes read into it are ever looked at. The first
+// read brings in the head: the rest of the scan costs no system call as a rule.
+CExifReader *zRExifBeginRead(const void *path)
+{
+    BeginExport();
+    if (path == nullptr) {
+        FailExport(ZEXIF_ERROR_ARGUMENT);
+        return nullptr;
+    }
+    CExifReader *reader = new (std::nothrow) CExifReader;
+    if (reader == nullptr) {
+        FailExport(ZEXIF_ERROR_MEMORY);
+        return nullptr;
+    }
+    if (!reader->m_file.Open(path)) {
+        delete reader;
+        FailExport(ZEXIF_ERROR_OPEN);
+        return nullptr;
+    }
+    reader->m_path = path;
+    return ScanNewReader(reader);
 }
 
 void zRExifEndRead(CExifReader *reader)
@@ -67,10 +84,10 @@ void zRExifEndRead(CExifReader *reader)
 
 int zRExifGetFileFormat(CExifReader *reader)
 {
-    return reader == nullptr ? 0 : reader->m_format;
+    return reader == nullptr ? RefuseNullHandle() : reader->m_format;
 }
 
 int zRExifIsExifExist(CExifReader *reader)
 {
-    return reader == nullptr ? 0 : reader->m_hasExif;
+    return reader == nullptr ? RefuseNullHandle() : reader->m_hasExif;
 }

@@ -1,4 +1,5 @@
 #include "edit/exif_ifd_tags.h"
+#include "platform/failure_reason.h"
 #include "reader/ifd_scan.h"
 #include "reader/reader.h"
 #include "reader/tag_slots.h"
@@ -10,7 +11,7 @@ namespace {
 
 int Deliver(CExifReader *reader, uint32_t tag, ExifTagValue *out)
 {
-    return FetchTagSlot(reader, tag, &out->type, &out->data, &out->count) ? 0 : -1;
+    return FetchTagSlot(reader, tag, &out->type, &out->data, &out->count) ? 0 : FailExport(ZEXIF_ERROR_NOT_FOUND);
 }
 
 // A JPEG's chain is walked on a memory copy of its TIFF block, which goes as
@@ -49,9 +50,10 @@ int ScanExifIfdFor(CExifReader *reader, uint32_t tag)
 // every call, since nothing marks it as walked.
 int zRExifGetTag(CExifReader *reader, uint32_t tag, ExifTagValue *out)
 {
-    if (reader == nullptr || out == nullptr) return -1;
-    if (reader->m_tagFound == 0 && !WalkExifBlock(reader)) return -1;
+    BeginExport();
+    if (reader == nullptr || out == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (reader->m_tagFound == 0 && !WalkExifBlock(reader)) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     if (IsTagCached(reader, tag)) return Deliver(reader, tag, out);
-    if (!IsExifIfdTag(tag) || !ScanExifIfdFor(reader, tag)) return -1;
+    if (!IsExifIfdTag(tag) || !ScanExifIfdFor(reader, tag)) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     return Deliver(reader, tag, out);
 }

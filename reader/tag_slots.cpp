@@ -4,7 +4,10 @@
 #include <initializer_list>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "reader/reader.h"
+#include "reader/tif_tag_list.h"
+#include "zexif.h"
 
 namespace {
 
@@ -75,12 +78,12 @@ int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *d
     unsigned char *copy = nullptr;
     if (data != nullptr && size > SLOT_VALUE_IN_PLACE) {
         copy = new (std::nothrow) unsigned char[size];
-        if (copy == nullptr) return 0;
+        if (copy == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     }
     ReaderTagSlot *slot = SlotFor(reader, tag);
     if (slot == nullptr) {
         delete[] copy;
-        return 0;
+        return NoteFailure(ZEXIF_ERROR_MEMORY);
     }
     ReleaseSlotData(slot);
     if (data != nullptr && size > 0) {
@@ -97,12 +100,42 @@ int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *d
 
 int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **outData, uint32_t *outCount)
 {
-    const ReaderTagSlot *slot = OwnSlotOf(reader, tag);
+    ReaderTagSlot *slot = OwnSlotOf(reader, tag);
     if (slot == nullptr) slot = *WantedSlotOf(reader, tag);
     if (slot == nullptr || slot->tag != tag) return 0;
     *outType = slot->type;
     *outData = slot->data;
     *outCount = slot->count;
+    slot->handedOut = 1;
+    return 1;
+}
+
+int IsSlotHandedOut(CExifReader *reader, uint32_t tag)
+{
+    const ReaderTagSlot *slot = OwnSlotOf(reader, tag);
+    if (slot == nullptr) slot = *WantedSlotOf(reader, tag);
+    return slot != nullptr && slot->handedOut;
+}
+
+const TifTagItem *FindTagAt(const CExifReader *reader, int32_t ifd, uint32_t tag)
+{
+    for (const ReaderTagAt *kept = reader->m_tagsAt; kept != nullptr; kept = kept->next) {
+        if (kept->ifd == ifd && kept->item->tag == tag) return kept->item;
+    }
+    return nullptr;
+}
+
+int KeepTagAt(CExifReader *reader, int32_t ifd, TifTagItem *item)
+{
+    ReaderTagAt *kept = new (std::nothrow) ReaderTagAt();
+    if (kept == nullptr) {
+        FreeTifTagItem(item);
+        return NoteFailure(ZEXIF_ERROR_MEMORY);
+    }
+    kept->ifd = ifd;
+    kept->item = item;
+    kept->next = reader->m_tagsAt;
+    reader->m_tagsAt = kept;
     return 1;
 }
 
@@ -120,4 +153,10 @@ void ReleaseTagSlots(CExifReader *reader)
         slot = next;
     }
     reader->m_wantedTags = nullptr;
+    while (reader->m_tagsAt != nullptr) {
+        ReaderTagAt *next = reader->m_tagsAt->next;
+        FreeTifTagItem(reader->m_tagsAt->item);
+        delete reader->m_tagsAt;
+        reader->m_tagsAt = next;
+    }
 }

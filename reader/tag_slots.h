@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "zexif.h"
+
 struct CExifReader;
 
 // 1 for the five tags with a slot of their own: 306, 271, 272, 270, 274.
@@ -24,7 +26,17 @@ int StoreTagSlot(CExifReader *reader, uint32_t tag, uint32_t type, const void *d
 // slot.
 int FetchTagSlot(CExifReader *reader, uint32_t tag, uint32_t *outType, void **outData, uint32_t *outCount);
 
-// Releases the values of all slots and the slots of m_wantedTags.
+// 1 when the slot of tag holds a value that was handed out: it isn't
+// replaced any more, so that the caller's pointer stays valid.
+int IsSlotHandedOut(CExifReader *reader, uint32_t tag);
+
+// The item of a tag of an IFD that a caller had before, or null.
+const TifTagItem *FindTagAt(const CExifReader *reader, int32_t ifd, uint32_t tag);
+// Keeps item, taking it over; 0 with item released when no memory.
+int KeepTagAt(CExifReader *reader, int32_t ifd, TifTagItem *item);
+
+// Releases the values of all slots and the slots of m_wantedTags and
+// m_tagsAt.
 void ReleaseTagSlots(CExifReader *reader);
 
 #endif

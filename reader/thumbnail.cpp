@@ -3,12 +3,14 @@
 #include <cstring>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "reader/ifd_table.h"
 #include "reader/reader.h"
 #include "reader/tag_value.h"
 #include "reader/tiff_chain.h"
 #include "streams/byte_order.h"
 #include "streams/stream.h"
+#include "zexif.h"
 
 namespace {
 
@@ -115,7 +117,7 @@ int StoreThumbnail(CExifReader *reader, const unsigned char *data, uint32_t size
     thumb->size = 0;
     if (size == 0) return 0;
     thumb->data = new (std::nothrow) unsigned char[size];
-    if (thumb->data == nullptr) return 0;
+    if (thumb->data == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     std::memcpy(thumb->data, data, size);
     thumb->size = size;
     return 1;

@@ -1,3 +1,4 @@
+#include "platform/failure_reason.h"
 #include "reader/reader.h"
 #include "reader/thumbnail.h"
 #include "reader/tiff_chain.h"
@@ -27,18 +28,19 @@ int ScanForThumbnail(CExifReader *reader, int loadData)
 // answers; before, a JPEG's IFD 1 is searched at each call.
 int zRExifIsThumbnailExist(CExifReader *reader)
 {
-    if (reader == nullptr) return 0;
+    if (reader == nullptr) return RefuseNullHandle();
     if (reader->m_tagFound == 0 && reader->m_format == FORMAT_JPEG) ScanForThumbnail(reader, 0);
     return reader->m_hasThumb;
 }
 
 int zRExifGetThumbnailData(CExifReader *reader, ExifBuffer *out)
 {
-    if (reader == nullptr || out == nullptr) return -1;
-    if (reader->m_tagFound == 1 && reader->m_hasThumb == 0) return -1;
+    BeginExport();
+    if (reader == nullptr || out == nullptr) return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (reader->m_tagFound == 1 && reader->m_hasThumb == 0) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     if (reader->m_thumbLoaded == 0) {
-        if (!ScanForThumbnail(reader, 1)) return -1;
-        if (reader->m_hasThumb == 0 || reader->m_thumbLoaded == 0) return -1;
+        if (!ScanForThumbnail(reader, 1)) return FailExport(ZEXIF_ERROR_NOT_FOUND);
+        if (reader->m_hasThumb == 0 || reader->m_thumbLoaded == 0) return FailExport(ZEXIF_ERROR_NOT_FOUND);
     }
     FetchThumbnail(reader, &out->data, &out->size);
     return 0;

@@ -3,13 +3,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/failure_reason.h"
 #include "reader/ifd_table.h"
 #include "reader/tag_value.h"
 #include "streams/stream.h"
+#include "zexif.h"
 
 namespace {
-
-enum ItemResult { ITEM_ADDED, ITEM_LEFT_OUT, ITEM_NO_MEMORY };
 
 // Bytes of an item's buffer: a 1-byte value has room for a NUL behind it,
 // which calloc has put there already.
@@ -40,16 +40,12 @@ int FillItemData(int bigEndian, CStreamIO *stream, const IfdEntry &entry, const 
     return 1;
 }
 
-void FreeItem(TifTagItem *item)
-{
-    std::free(item->data);
-    std::free(item);
-}
+}  // namespace
 
 // A type outside 1 to 12 gets no data. A value that doesn't lie wholly within
-// the stream leaves its entry out of the list, rather than hand on a buffer
-// that the file never filled.
-ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, const unsigned char *p)
+// the stream leaves its entry out, rather than hand on a buffer that the file
+// never filled.
+ItemResult ReadTifTagItem(int bigEndian, CStreamIO *stream, const unsigned char *p, TifTagItem **out)
 {
     IfdEntry entry = DecodeEntry(p, bigEndian);
     int32_t position = 0;
@@ -66,18 +62,21 @@ ItemResult AddEntryItem(TifTagList *list, int bigEndian, CStreamIO *stream, cons
     if (size > 0) {
         item->data = std::calloc(static_cast<size_t>(size), 1);
         if (item->data == nullptr) {
-            FreeItem(item);
+            FreeTifTagItem(item);
+            NoteFailure(ZEXIF_ERROR_MEMORY);
             return ITEM_NO_MEMORY;
         }
         unsigned char *data = static_cast<unsigned char *>(item->data);
         if (!FillItemData(bigEndian, stream, entry, EntryField(p), position, data)) {
-            FreeItem(item);
+            FreeTifTagItem(item);
             return ITEM_LEFT_OUT;
         }
     }
-    AddTifTagItem(list, item);
+    *out = item;
     return ITEM_ADDED;
 }
+
+namespace {
 
 // A list that lost an item to memory would carry a file's Exif over in part;
 // it is dropped whole instead.
@@ -87,10 +86,13 @@ TifTagList *BuildList(int bigEndian, CStreamIO *stream, const unsigned char *tab
     if (list == nullptr) return nullptr;
     for (int32_t i = 0; i < count; i++) {
         const unsigned char *p = table + static_cast<uint32_t>(i) * IFD_ENTRY_SIZE;
-        if (AddEntryItem(list, bigEndian, stream, p) == ITEM_NO_MEMORY) {
+        TifTagItem *item = nullptr;
+        ItemResult result = ReadTifTagItem(bigEndian, stream, p, &item);
+        if (result == ITEM_NO_MEMORY) {
             FreeTifTagList(list);
             return nullptr;
         }
+        if (result == ITEM_ADDED) AddTifTagItem(list, item);
     }
     return list;
 }
@@ -112,10 +114,12 @@ TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream)
 TifTagList *AllocTifTagList(int32_t capacity)
 {
     TifTagList *list = static_cast<TifTagList *>(std::calloc(1, sizeof(TifTagList)));
-    if (list == nullptr || capacity < 1) return list;
-    list->items = static_cast<TifTagItem **>(std::calloc(static_cast<size_t>(capacity), sizeof(TifTagItem *)));
-    if (list->items == nullptr) {
+    if (list != nullptr && capacity > 0) {
+        list->items = static_cast<TifTagItem **>(std::calloc(static_cast<size_t>(capacity), sizeof(TifTagItem *)));
+    }
+    if (list == nullptr || (capacity > 0 && list->items == nullptr)) {
         std::free(list);
+        NoteFailure(ZEXIF_ERROR_MEMORY);
         return nullptr;
     }
     return list;
@@ -124,10 +128,10 @@ TifTagList *AllocTifTagList(int32_t capacity)
 TifTagItem *AllocTifTagItem(uint32_t size)
 {
     TifTagItem *item = static_cast<TifTagItem *>(std::calloc(1, sizeof(TifTagItem)));
-    if (item == nullptr || size == 0) return item;
-    item->data = std::calloc(size, 1);
-    if (item->data == nullptr) {
+    if (item != nullptr && size > 0) item->data = std::calloc(size, 1);
+    if (item == nullptr || (size > 0 && item->data == nullptr)) {
         std::free(item);
+        NoteFailure(ZEXIF_ERROR_MEMORY);
         return nullptr;
     }
     return item;
@@ -141,15 +145,18 @@ int AddTifTagItem(TifTagList *list, TifTagItem *item)
     return 1;
 }
 
+void FreeTifTagItem(TifTagItem *item)
+{
+    if (item == nullptr) return;
+    std::free(item->data);
+    std::free(item);
+}
+
 void FreeTifTagList(TifTagList *list)
 {
     if (list == nullptr) return;
     if (list->items != nullptr) {
-        for (int32_t i = 0; i < list->count; i++) {
-            if (list->items[i] == nullptr) continue;
-            std::free(list->items[i]->data);
-            std::free(list->items[i]);
-        }
+        for (int32_t i = 0; i < list->count; i++) FreeTifTagItem(list->items[i]);
         std::free(list->items);
     }
     std::free(list);

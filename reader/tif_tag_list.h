@@ -16,6 +16,12 @@ class CStreamIO;
 // stream is left out.
 TifTagList *ReadTifTagList(int bigEndian, CStreamIO *stream);
 
+enum ItemResult { ITEM_ADDED, ITEM_LEFT_OUT, ITEM_NO_MEMORY };
+
+// The item of the 12-byte entry at p, its value read from the stream as the
+// list has it; *item is set only for ITEM_ADDED.
+ItemResult ReadTifTagItem(int bigEndian, CStreamIO *stream, const unsigned char *p, TifTagItem **item);
+
 // A list with count 0 and room for capacity items; null if no memory.
 TifTagList *AllocTifTagList(int32_t capacity);
 // An item with all fields 0 and, for a size above 0, that many bytes of data.
@@ -25,5 +31,6 @@ TifTagItem *AllocTifTagItem(uint32_t size);
 int AddTifTagItem(TifTagList *list, TifTagItem *item);
 // Null is ignored.
 void FreeTifTagList(TifTagList *list);
+void FreeTifTagItem(TifTagItem *item);
 
 #endif

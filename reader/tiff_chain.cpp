@@ -3,11 +3,13 @@
 #include <new>
 
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "reader/cached_file.h"
 #include "reader/ifd_scan.h"
 #include "reader/reader.h"
 #include "streams/byte_order.h"
 #include "streams/stream.h"
+#include "zexif.h"
 
 namespace {
 
@@ -79,7 +81,7 @@ int LoadExifBlock(CExifReader *reader, ExifBlock *block)
     if (inHead > 0) return CreateMemoryStream(&block->m_stream, head, static_cast<int32_t>(inHead));
     reader->m_file.Seek(0, start);
     unsigned char *data = new (std::nothrow) unsigned char[static_cast<uint32_t>(size)];
-    if (data == nullptr) return 0;
+    if (data == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     uint32_t got = reader->m_file.Read(data, static_cast<uint32_t>(size));
     if (!CreateMemoryStream(&block->m_stream, data, static_cast<int32_t>(got))) {
         delete[] data;

@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "streams/stream.h"
 #include "tree/node.h"
+#include "zexif.h"
 
 namespace {
 
@@ -18,13 +20,13 @@ int LoadChecked(CBlock *block, CStreamIO *stream)
     if (block->m_state == BLOCK_NOTHING) return 1;
     if (block->m_state == BLOCK_IN_MEMORY) return block->m_size == 0 || block->m_data != nullptr;
     if (block->m_size == 0) return 1;
-    if (block->m_size < 0 || stream == nullptr) return 0;
+    if (block->m_size < 0 || stream == nullptr) return NoteFailure(ZEXIF_ERROR_READ);
     unsigned char *buffer = new (std::nothrow) unsigned char[static_cast<size_t>(block->m_size)];
-    if (buffer == nullptr) return 0;
+    if (buffer == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     uint32_t size = static_cast<uint32_t>(block->m_size);
     if (!SeekTo(stream, block->m_offset) || stream->Read(buffer, size) != size) {
         delete[] buffer;
-        return 0;
+        return NoteFailure(ZEXIF_ERROR_READ);
     }
     return block->AdoptData(buffer, block->m_size);
 }
@@ -42,21 +44,21 @@ int WriteAll(CStreamIO *out, const void *data, int64_t size)
     if (size < 0 || size > INT32_MAX) return 0;
     if (size == 0) return 1;
     uint32_t count = static_cast<uint32_t>(size);
-    return out->Write(data, count) == count;
+    return out->Write(data, count) == count ? 1 : NoteFailure(ZEXIF_ERROR_WRITE);
 }
 
 int CopyBytes(CStreamIO *from, int64_t offset, int64_t size, CStreamIO *out)
 {
     if (size == 0) return 1;
-    if (from == nullptr || size < 0) return 0;
+    if (from == nullptr || size < 0) return NoteFailure(ZEXIF_ERROR_READ);
     int64_t chunk = size < COPY_CHUNK ? size : COPY_CHUNK;
     unsigned char *buffer = new (std::nothrow) unsigned char[static_cast<size_t>(chunk)];
-    if (buffer == nullptr) return 0;
-    int ok = SeekTo(from, offset);
+    if (buffer == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
+    int ok = SeekTo(from, offset) || NoteFailure(ZEXIF_ERROR_READ);
     for (int64_t done = 0; ok && done < size; done += chunk) {
         if (size - done < chunk) chunk = size - done;
         uint32_t count = static_cast<uint32_t>(chunk);
-        ok = from->Read(buffer, count) == count && WriteAll(out, buffer, chunk);
+        ok = (from->Read(buffer, count) == count || NoteFailure(ZEXIF_ERROR_READ)) && WriteAll(out, buffer, chunk);
     }
     delete[] buffer;
     return ok;

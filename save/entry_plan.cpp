@@ -4,8 +4,10 @@
 #include <iterator>
 
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "save/value_layout.h"
 #include "tree/node.h"
+#include "zexif.h"
 
 namespace {
 
@@ -75,7 +77,7 @@ int PlanStream(CNode *owner, const BlockSource &source, ChainPlan *plan)
     int64_t start = SlotNumber(offset);
     int64_t size = SlotNumber(length);
     if (start < 1 || size < 1) return 1;
-    if (source.m_gone) return 0;
+    if (source.m_gone) return NoteFailure(ZEXIF_ERROR_READ);
     if (!InSource(source, start, size)) return 1;
     plan->m_stream = offset;
     plan->m_streamOffset = start;
@@ -97,7 +99,7 @@ int PlanImage(CNode *owner, const BlockSource &source, ChainPlan *plan)
         if (strip == nullptr || count == INT32_MAX) return 0;
         count++;
         if (strip->m_size == 0) continue;
-        if (source.m_gone) return 0;
+        if (source.m_gone) return NoteFailure(ZEXIF_ERROR_READ);
         if (!InSource(source, strip->m_offset, strip->m_size)) return source.m_strictImages ? 0 : 1;
     }
     plan->m_strips = list;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "save/block_size.h"
 #include "save/checked_io.h"
 #include "save/exif_writer.h"
@@ -11,6 +12,7 @@
 #include "streams/memory_stream.h"
 #include "tree/document.h"
 #include "tree/walk.h"
+#include "zexif.h"
 
 namespace {
 
@@ -46,10 +48,10 @@ int BuildPayload(CExifDoc *doc, CMarker *marker, CNode *header, const BlockSourc
     int keepMakerNote = 1;
     int64_t size = ComputeExifSize(source, header, keepMakerNote);
     if (!FitsSegment(size)) size = ComputeExifSize(source, header, keepMakerNote = 0);
-    if (!FitsSegment(size)) return 0;
+    if (!FitsSegment(size)) return NoteFailure(ZEXIF_ERROR_LIMIT);
     int32_t total = static_cast<int32_t>(size + EXIF_SIGNATURE_SIZE);
     unsigned char *block = new (std::nothrow) unsigned char[static_cast<size_t>(total)]();
-    if (block == nullptr) return 0;
+    if (block == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     std::memcpy(block, EXIF_SIGNATURE, EXIF_SIGNATURE_SIZE);
     if (!WriteNewBlock(header, source, block, size, keepMakerNote)) {
         delete[] block;

@@ -1,10 +1,12 @@
 #include "save/jpeg_save.h"
 
+#include "platform/failure_reason.h"
 #include "save/audio_segments.h"
 #include "save/checked_io.h"
 #include "save/exif_rebuild.h"
 #include "streams/byte_order.h"
 #include "tree/document.h"
+#include "zexif.h"
 
 namespace {
 
@@ -20,7 +22,8 @@ int IsMarkerCode(int32_t id)
 
 int WriteSegmentHead(CStreamIO *out, int32_t id, int32_t size)
 {
-    if (!IsMarkerCode(id) || size < 0 || size > MAX_SEGMENT_PAYLOAD) return 0;
+    if (!IsMarkerCode(id) || size < 0) return 0;
+    if (size > MAX_SEGMENT_PAYLOAD) return NoteFailure(ZEXIF_ERROR_LIMIT);
     unsigned char prefix[4] = {0xFF, static_cast<unsigned char>(id)};
     WriteU16BE(prefix + 2, static_cast<uint16_t>(size + LENGTH_FIELD_SIZE));
     return WriteAll(out, prefix, sizeof prefix);

@@ -1,11 +1,13 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/failure_reason.h"
 #include "platform/file_replace.h"
 #include "platform/save_target.h"
 #include "platform/temp_file.h"
 #include "save/audio_segments.h"
 #include "save/jpeg_save.h"
+#include "save/save_document.h"
 #include "save/temp_path.h"
 #include "save/tiff_save.h"
 #include "streams/file_stream.h"
@@ -38,19 +40,34 @@ int StreamFailed(CStreamIO *stream)
 int WriteDocument(CExifDoc *doc, CStreamIO *out)
 {
     int ok = doc->m_format == FORMAT_JPEG ? SaveJpeg(doc, out) : SaveTiff(doc, out);
-    return ok && !StreamFailed(doc->m_stream) && !StreamFailed(doc->m_audioStream);
+    if (StreamFailed(doc->m_stream) || StreamFailed(doc->m_audioStream)) return NoteFailure(ZEXIF_ERROR_READ);
+    return ok;
 }
 
 // Every byte must be on the disk before the file goes over the target.
 int WriteTempFile(CExifDoc *doc, CFileObj *out)
 {
-    int ok = OpenAudio(doc) && WriteDocument(doc, out);
-    CloseAudio(doc);
-    ok = ok && SyncFile(out->m_file);
+    int ok = WriteDocumentTo(doc, out) && SyncFile(out->m_file);
     return out->Close() && ok;
 }
 
+// A target refused or a temporary file not made: errno stays the system's
+// reason for the caller.
+int FailTargetExport()
+{
+    NoteSystemFailure(ZEXIF_ERROR_OPEN);
+    return FailExport(ZEXIF_ERROR_OPEN);
+}
+
 }  // namespace
+
+int WriteDocumentTo(CExifDoc *doc, CStreamIO *out)
+{
+    if (!OpenAudio(doc)) return NoteFailure(ZEXIF_ERROR_OPEN);
+    int ok = WriteDocument(doc, out);
+    CloseAudio(doc);
+    return ok;
+}
 
 // The new file is written beside the target and put in its place, so that
 // the target holds the old file or the new one and never a part; a target
@@ -63,19 +80,20 @@ int WriteTempFile(CExifDoc *doc, CFileObj *out)
 // document's source is closed, as its file may be gone.
 int zExifSaveFile(CExifDoc *doc, const char *path)
 {
-    if (doc == nullptr || path == nullptr || path[0] == '\0') return -1;
-    if (doc->m_format != FORMAT_JPEG && doc->m_format != FORMAT_TIFF) return -1;
+    BeginExport();
+    if (doc == nullptr || path == nullptr || path[0] == '\0') return FailExport(ZEXIF_ERROR_ARGUMENT);
+    if (doc->m_format != FORMAT_JPEG && doc->m_format != FORMAT_TIFF) return FailExport(ZEXIF_ERROR_FORMAT);
     CSaveTarget target;
     CTempFile temp;
-    if (!OpenSaveTarget(path, &target)) return -1;
+    if (!OpenSaveTarget(path, &target)) return FailTargetExport();
     FILE *file = OpenTempFile(target, &temp);
-    if (file == nullptr) return -1;
+    if (file == nullptr) return FailTargetExport();
     // Names tried and taken on the way are no reason for what fails from here.
     errno = 0;
     CFileObj out(file);
     if (!WriteTempFile(doc, &out) || !ReplaceFile(temp, target)) {
         RemoveFile(temp.m_path);
-        return -1;
+        return FailExport(ZEXIF_ERROR_WRITE);
     }
     DeleteStream(doc->m_stream);
     doc->m_stream = nullptr;

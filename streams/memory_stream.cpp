@@ -63,6 +63,12 @@ int32_t CStreamObj::Tell()
     return static_cast<int32_t>(m_pos - m_begin);
 }
 
+uint32_t CStreamObj::Buffered(const unsigned char **bytes)
+{
+    *bytes = m_pos;
+    return static_cast<uint32_t>(m_end - m_pos);
+}
+
 int CStreamObj::IsEof()
 {
     return m_pos >= m_end ? 1 : 0;

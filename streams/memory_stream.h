@@ -15,11 +15,20 @@ public:
     int32_t Seek(int whence, int32_t offset) override;
     int32_t Tell() override;
     int IsEof() override;
+    // All of the block from the position on is in memory.
+    uint32_t Buffered(const unsigned char **bytes) override;
 
     int32_t m_size;
     unsigned char *m_begin;
     unsigned char *m_pos;
     unsigned char *m_end;
+};
+
+// A memory stream over a copy of the bytes that it owns.
+class COwnedStreamObj final : public CStreamObj {
+public:
+    using CStreamObj::CStreamObj;
+    ~COwnedStreamObj() override { delete[] m_begin; }
 };
 
 #endif

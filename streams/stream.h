@@ -30,6 +30,8 @@ enum StreamMode { STREAM_READ = 1, STREAM_WRITE = 2 };
 // Factories return 1 and set *stream, or return 0 and leave *stream as it was.
 int CreateFileStream(CStreamIO **stream, const void *path, int mode);
 int CreateMemoryStream(CStreamIO **stream, void *data, int32_t size);
+// A memory stream over a copy of the bytes, which the stream owns.
+int CreateMemoryCopyStream(CStreamIO **stream, const void *data, int32_t size);
 int CreateHookStream(CStreamIO **stream, CStreamIO *parent, uint32_t size);
 void DeleteStream(CStreamIO *stream);
 

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <new>
 
+#include "platform/failure_reason.h"
 #include "streams/stream.h"
+#include "zexif.h"
 
 CNode::~CNode()
 {
@@ -20,7 +22,10 @@ CNode::~CNode()
 CNode *NewStructuralNode(int32_t id, int32_t kind, uint32_t value)
 {
     CNode *node = new (std::nothrow) CNode;
-    if (node == nullptr) return nullptr;
+    if (node == nullptr) {
+        NoteFailure(ZEXIF_ERROR_MEMORY);
+        return nullptr;
+    }
     node->m_id = id;
     node->m_kind = kind;
     node->m_value = value;
@@ -61,7 +66,7 @@ int CBlock::Load(CStreamIO *stream, unsigned char **data, int32_t *size)
         // Zero-filled, so that a short read leaves no undefined bytes behind;
         // a read that failed leaves the block as it was.
         unsigned char *buffer = new (std::nothrow) unsigned char[m_size]();
-        if (buffer == nullptr) return 0;
+        if (buffer == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
         stream->Seek(0, m_offset);
         stream->Read(buffer, static_cast<uint32_t>(m_size));
         if (stream->HasFailed()) {
@@ -96,7 +101,7 @@ int CBlock::SetData(const void *data, int32_t size)
 {
     if (size < 1) return 0;
     unsigned char *buffer = new (std::nothrow) unsigned char[size];
-    if (buffer == nullptr) return 0;
+    if (buffer == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     std::memcpy(buffer, data, static_cast<size_t>(size));
     delete[] m_data;
     m_data = buffer;

@@ -3,11 +3,13 @@
 
 #include <cstdint>
 
+#include "zexif.h"
+
 class CStreamIO;
-struct ExifTagValue;
 
 // Structural ids share one number space with JPEG marker codes and TIFF tag
-// numbers; only a node's position tells them apart.
+// numbers; only a node's position tells them apart. The id of the
+// entropy-coded data, MARKER_SCAN_DATA, is public.
 enum NodeId {
     NODE_TIFF_HEADER = 1,
     NODE_IFD = 2,
@@ -15,7 +17,6 @@ enum NodeId {
     NODE_NEXT_IFD = 60,
     NODE_STRIP_LIST = 70,
     NODE_STRIP = 80,
-    MARKER_SCAN_DATA = 161,
 };
 
 enum NodeKind { KIND_IFD_CONTENT = 1, KIND_MARKER = 2, KIND_PLAIN = 3 };

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "tree/node.h"
 #include "zexif.h"
 
@@ -25,7 +26,7 @@ int CTag::CopyValue(void **data)
         return 1;
     }
     void *copy = std::malloc(bytes);
-    if (copy == nullptr) return 0;
+    if (copy == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     std::memcpy(copy, source, bytes);
     *data = copy;
     return 1;
@@ -46,7 +47,7 @@ int CTag::SetValue(const ExifTagValue *value)
     if (inEntry && bytes > 0) std::memcpy(&slot, value->data, static_cast<size_t>(bytes));
     if (!inEntry && bytes > 0) {
         block = new (std::nothrow) unsigned char[bytes];
-        if (block == nullptr) return 0;
+        if (block == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
         std::memcpy(block, value->data, static_cast<size_t>(bytes));
     }
     m_type = value->type;

@@ -21,6 +21,8 @@ install)
     for file in include/zexif.h bin/zexif; do
         test -e "$prefix/$file" || { echo "not installed: $file" >&2; exit 1; }
     done
+    # The tool finds the library installed beside it, as a user would run it.
+    env -u LD_LIBRARY_PATH "$prefix/bin/zexif" --help >/dev/null
     ;;
 pkg-config)
     libdir=$3 cc=$4 source=$5 sample=$6

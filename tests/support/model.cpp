@@ -284,7 +284,8 @@ void Patch32(Bytes &bytes, size_t pos, uint32_t value, bool bigEndian)
 Bytes ExifPayload(const Bytes &block)
 {
     Bytes out = {'E', 'x', 'i', 'f', 0, 0};
-    out.insert(out.end(), block.begin(), block.end());
+    out.resize(out.size() + block.size());
+    std::copy(block.begin(), block.end(), out.end() - long(block.size()));
     return out;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/zexif/arguments.h"
+#include "zexif/arguments.h"
 
 #include <cctype>
 #include <cerrno>

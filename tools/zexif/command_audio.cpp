@@ -1,9 +1,9 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/load_document.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/load_document.h"
 #include "zexif.h"
 
 namespace {

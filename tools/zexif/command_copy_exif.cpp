@@ -2,35 +2,36 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "edit/marker_chain.h"
-#include "tree/document.h"
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/open_reader.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/open_reader.h"
 #include "zexif.h"
 
 namespace {
 
-void FreeTagList(TifTagList *list)
+constexpr int32_t MARKER_APP1 = 0xE1;
+
+bool IsExifSegment(CExifDoc *doc, const ExifSegment &segment, int32_t index)
 {
-    for (int32_t i = 0; i < list->count; ++i) {
-        std::free(list->items[i]->data);
-        std::free(list->items[i]);
-    }
-    std::free(list->items);
-    std::free(list);
+    ExifBuffer data{};
+    const bool exif = segment.marker == MARKER_APP1 && zExifGetSegmentData(doc, index, &data) == 0 &&
+                      data.size >= 4 && std::memcmp(data.data, "Exif", 4) == 0;
+    zExifFreeBuffer(&data);
+    return exif;
 }
 
-// The Exif APP1 segments that stand beside the document's own block.
-void RemoveOlderExifSegments(CExifDoc *doc)
+// The Exif APP1 segments beside the document's own, which the segment calls
+// keep: the one just inserted.
+void RemoveOtherExifSegments(CExifDoc *doc)
 {
-    for (CNode *node = doc->m_root; node != nullptr;) {
-        CNode *next = node->m_next;
-        bool exif = node->m_id == MARKER_APP1 && node->m_sig != nullptr && std::memcmp(node->m_sig, "Exif", 4) == 0;
-        if (exif && node != doc->m_exifMarker) RemoveTopLevelNode(doc, node);
-        node = next;
+    ExifSegment *segments = nullptr;
+    int32_t count = 0;
+    if (zExifGetSegmentList(doc, &segments, &count) != 0) return;
+    for (int32_t i = count - 1; i >= 0; --i) {
+        if (IsExifSegment(doc, segments[i], i)) zExifRemoveSegment(doc, i);
     }
+    std::free(segments);
 }
 
 // The copy goes in front of the target's own Exif APP1 segments, which then
@@ -40,11 +41,32 @@ bool CopyJpegExif(CExifReader *reader, CExifDoc *doc)
     ExifBuffer marker{};
     if (zRExifGetExifMarker(reader, &marker) != 0) return false;
     if (zExifInsertExifMarker(doc, &marker) != 0) {
-        delete[] marker.data;
+        zExifFreeBuffer(&marker);
         return false;
     }
-    RemoveOlderExifSegments(doc);
+    RemoveOtherExifSegments(doc);
     return true;
+}
+
+// The target's Interop IFD gives way to the source's, so that the tags that
+// describe the Exif data come out as the source has them.
+bool CopyInteropIfd(CExifReader *reader, CExifDoc *doc)
+{
+    TifTagList *old = nullptr;
+    if (zExifGetTagList(doc, IFD_INTEROP, &old) == 0) {
+        for (int32_t i = 0; i < old->count; ++i) zExifDelTagAt(doc, IFD_INTEROP, old->items[i]->tag);
+        zExifFreeTagList(old);
+    }
+    TifTagList *list = nullptr;
+    if (zRExifGetTagList(reader, IFD_INTEROP, &list) != 0) return true;
+    bool copied = true;
+    for (int32_t i = 0; i < list->count && copied; ++i) {
+        const TifTagItem &item = *list->items[i];
+        const ExifTagValue value{item.type, item.count, item.data};
+        copied = zExifSetTagAt(doc, IFD_INTEROP, item.tag, &value) == 0;
+    }
+    zExifFreeTagList(list);
+    return copied;
 }
 
 // An Exif IFD without entries comes as no list: there is nothing to copy.
@@ -52,9 +74,11 @@ bool CopyTiffExif(CExifReader *reader, CExifDoc *doc)
 {
     TifTagList *list = nullptr;
     if (zRExifGetTIFExifData(reader, &list) != 0 || list == nullptr) return false;
-    if (zExifSetTIFExifData(doc, list) == 0) return true;
-    FreeTagList(list);
-    return false;
+    if (zExifSetTIFExifData(doc, list) != 0) {
+        zExifFreeTagList(list);
+        return false;
+    }
+    return CopyInteropIfd(reader, doc);
 }
 
 bool CopyExif(CExifReader *reader, CExifDoc *doc, const std::string &source, const std::string &target)

@@ -1,10 +1,10 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/tag_argument.h"
-#include "tools/zexif/tag_edit.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/tag_argument.h"
+#include "zexif/tag_edit.h"
 
 int RunDelete(const std::vector<std::string> &arguments)
 {

@@ -1,11 +1,9 @@
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/dump_json.h"
-#include "tools/zexif/dump_text.h"
-#include "tools/zexif/file_report.h"
-#include "tools/zexif/load_document.h"
-#include "tree/document.h"
-#include "zexif.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/document_walk.h"
+#include "zexif/dump_json.h"
+#include "zexif/dump_text.h"
+#include "zexif/file_report.h"
 
 int RunDump(const std::vector<std::string> &arguments)
 {
@@ -14,19 +12,16 @@ int RunDump(const std::vector<std::string> &arguments)
     FileReport report(parsed.Has("--json"));
     for (const std::string &path : parsed.positional) {
         std::string message;
-        CExifDoc *doc = TryLoadDocument(path, &message);
-        if (doc == nullptr) {
+        DumpedFile file;
+        if (!file.Open(path, &message)) {
             report.Fail(path, message);
-            continue;
-        }
-        if (report.IsJson()) {
-            WriteDocumentMembers(report.BeginObject(path), *doc);
+        } else if (report.IsJson()) {
+            WriteDocumentMembers(report.BeginObject(path), file);
             report.EndObject();
         } else {
             report.BeginText();
-            PrintDocument(*doc, path, stdout);
+            PrintDocument(file, path, stdout);
         }
-        zExifDestroy(doc);
     }
     return report.Finish();
 }

@@ -1,12 +1,12 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/document_tags.h"
-#include "tools/zexif/file_report.h"
-#include "tools/zexif/tag_argument.h"
-#include "tools/zexif/tag_json.h"
-#include "tools/zexif/tag_source.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/file_report.h"
+#include "zexif/open_reader.h"
+#include "zexif/tag_argument.h"
+#include "zexif/tag_json.h"
+#include "zexif/tag_reading.h"
 #include "zexif.h"
 
 namespace {
@@ -15,7 +15,7 @@ void ReportView(const std::string &path, const TagAddress &address, const TagVie
                 FileReport &report)
 {
     if (report.IsJson()) {
-        WriteTagMembers(report.BeginObject(path), view, IfdLabel(address.group, address.ifd), true);
+        WriteTagMembers(report.BeginObject(path), view, IfdLabel(address.group, address.ifd));
         report.EndObject();
     } else {
         std::printf("%s%s\n", withName ? (path + ": ").c_str() : "", ReadableValue(view, true).c_str());
@@ -25,13 +25,14 @@ void ReportView(const std::string &path, const TagAddress &address, const TagVie
 void GetFromFile(const std::string &path, const TagAddress &address, bool withName, FileReport &report)
 {
     std::string message;
-    TagSource source(path, &message);
+    CExifReader *reader = TryBeginRead(path, &message);
     TagView view;
-    if (source.Reader() != nullptr && source.Find(address, &view, &message)) {
+    if (reader != nullptr && ReadTag(reader, address, &view)) {
         ReportView(path, address, view, withName, report);
-        return;
+    } else {
+        report.Fail(path, reader == nullptr ? message : path + " has no " + DescribeAddress(address));
     }
-    report.Fail(path, message.empty() ? path + " has no " + DescribeAddress(address) : message);
+    zRExifEndRead(reader);
 }
 
 }  // namespace

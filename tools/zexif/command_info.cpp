@@ -1,14 +1,14 @@
 #include <cstdio>
 #include <vector>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/document_tags.h"
-#include "tools/zexif/document_walk.h"
-#include "tools/zexif/file_report.h"
-#include "tools/zexif/tag_argument.h"
-#include "tools/zexif/tag_json.h"
-#include "tools/zexif/tag_source.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/document_walk.h"
+#include "zexif/file_report.h"
+#include "zexif/open_reader.h"
+#include "zexif/tag_argument.h"
+#include "zexif/tag_json.h"
+#include "zexif/tag_reading.h"
 #include "zexif.h"
 
 namespace {
@@ -23,27 +23,22 @@ struct Summary {
     std::vector<TagView> tags;
 };
 
-// The flags come from the read-only family, the tags from the source. false,
-// with the reason in message, when the tree was needed and the file doesn't
-// load.
-bool Summarize(TagSource &source, Summary *summary, std::string *message)
+// All of it comes from the read-only family; the tags are those of IFD 0 and
+// of its sub-IFDs.
+Summary Summarize(CExifReader *reader)
 {
-    CExifReader *reader = source.Reader();
-    *summary = {FormatName(zRExifGetFileFormat(reader)), zRExifIsExifExist(reader) == 1,
-                zRExifIsThumbnailExist(reader) == 1, zRExifIsAudioExist(reader) == 1, {}};
+    Summary summary = {FormatName(zRExifGetFileFormat(reader)), zRExifIsExifExist(reader) == 1,
+                       zRExifIsThumbnailExist(reader) == 1, zRExifIsAudioExist(reader) == 1, {}};
     for (const char *name : SUMMARY_TAGS) {
-        const TagName *known = FindTagByName(name);
+        int ifd;
+        uint32_t type;
         TagAddress address;
-        address.group = known->group;
-        address.number = known->number;
+        zExifFindTag(name, &ifd, &address.number, &type);
+        address.group = GroupOfIfd(ifd);
         TagView view;
-        if (source.Find(address, &view, message)) {
-            summary->tags.push_back(view);
-        } else if (!message->empty()) {
-            return false;
-        }
+        if (ReadTag(reader, address, &view)) summary.tags.push_back(view);
     }
-    return true;
+    return summary;
 }
 
 const char *YesNo(bool answer)
@@ -66,7 +61,7 @@ void WriteSummary(JsonWriter &json, const Summary &summary)
     json.Key("thumbnail").Bool(summary.thumbnail).Key("audio").Bool(summary.audio).Key("tags").BeginArray();
     for (const TagView &tag : summary.tags) {
         json.BeginObject();
-        WriteTagMembers(json, tag, IfdLabel(tag.group, 0), true);
+        WriteTagMembers(json, tag, IfdLabel(tag.group, 0));
         json.EndObject();
     }
     json.EndArray();
@@ -92,13 +87,13 @@ int RunInfo(const std::vector<std::string> &arguments)
     FileReport report(parsed.Has("--json"));
     for (const std::string &path : parsed.positional) {
         std::string message;
-        TagSource source(path, &message);
-        Summary summary;
-        if (source.Reader() != nullptr && Summarize(source, &summary, &message)) {
-            ReportSummary(path, summary, report);
+        CExifReader *reader = TryBeginRead(path, &message);
+        if (reader != nullptr) {
+            ReportSummary(path, Summarize(reader), report);
         } else {
             report.Fail(path, message);
         }
+        zRExifEndRead(reader);
     }
     return report.Finish();
 }

@@ -1,8 +1,8 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
 #include "zexif.h"
 
 namespace {

@@ -1,11 +1,11 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/tag_argument.h"
-#include "tools/zexif/tag_edit.h"
-#include "tools/zexif/value_parse.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/tag_argument.h"
+#include "zexif/tag_edit.h"
+#include "zexif/value_parse.h"
 #include "zexif.h"
 
 int RunSet(const std::vector<std::string> &arguments)

@@ -1,11 +1,10 @@
 #include <cstdio>
-#include <vector>
+#include <cstdlib>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/document_tags.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/tag_edit.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/tag_edit.h"
 #include "zexif.h"
 
 namespace {
@@ -29,24 +28,9 @@ void StripJpeg(CExifDoc *doc)
     zExifRemoveMarker(doc, MARKER_APP1, 0);
 }
 
-// A tag's value with bytes of its own, to outlive the segment it came from.
-struct SavedTag {
-    ExifTagValue value{};
-    std::vector<unsigned char> bytes;
-};
-
-bool SaveOrientation(CExifDoc *doc, const TagAddress &address, SavedTag *saved)
-{
-    const CTag *tag = FindAddressedTag(doc, address);
-    TagView view;
-    if (tag == nullptr || !ViewOfTag(*tag, address.group, &view)) return false;
-    saved->bytes.assign(view.value.bytes, view.value.bytes + view.value.size);
-    saved->value = {view.value.type, view.value.count, saved->bytes.data()};
-    return true;
-}
-
 // A TIFF's orientation stays in IFD 0, which the strip leaves alone; a
-// JPEG's goes with its APP1 and is put back into a new one.
+// JPEG's goes with its APP1 and is put back into a new one, in IFD 0 where
+// cameras keep it.
 bool Strip(CExifDoc *doc, const std::string &path, bool keepOrientation)
 {
     if (zExifGetFileFormat(doc) == FORMAT_TIFF) {
@@ -55,13 +39,14 @@ bool Strip(CExifDoc *doc, const std::string &path, bool keepOrientation)
     }
     TagAddress orientation;
     orientation.number = TAG_ORIENTATION;
-    SavedTag saved;
-    const bool restore = keepOrientation && SaveOrientation(doc, orientation, &saved);
+    ExifTagValue saved{};
+    const bool restore = keepOrientation && zExifGetTagAt(doc, IfdId(orientation), TAG_ORIENTATION, &saved) == 0;
     StripJpeg(doc);
     std::string error;
-    if (!restore || SetAddressedTag(doc, orientation, saved.value, &error)) return true;
-    std::fprintf(stderr, "zexif: %s: cannot put the orientation back: %s\n", path.c_str(), error.c_str());
-    return false;
+    const bool done = !restore || SetAddressedTag(doc, orientation, saved, &error);
+    std::free(saved.data);
+    if (!done) std::fprintf(stderr, "zexif: %s: cannot put the orientation back: %s\n", path.c_str(), error.c_str());
+    return done;
 }
 
 }  // namespace

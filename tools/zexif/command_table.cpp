@@ -1,4 +1,4 @@
-#include "tools/zexif/command.h"
+#include "zexif/command.h"
 
 namespace {
 
@@ -43,10 +43,11 @@ const Command COMMANDS[] = {
      "file's name.\n" TAG_TEXT OPTIONS IFD_OPTION JSON_OPTION,
      RunGet},
     {"set", "FILE TAG TYPE VALUE... [--ifd N] [-o OUT] [-P]", "set a tag's value",
-     "Sets the tag, adding it where the file has none. TYPE is byte, ascii, short, long,\n"
-     "rational, sbyte, undefined, sshort, slong, srational, float or double (or 1 to\n"
-     "12). An ascii VALUE is one argument; numbers are decimal, rationals n/d,\n"
-     "undefined values one byte per argument in decimal or 0x hex.\n" TAG_TEXT OPTIONS IFD_OPTION WRITE_OPTIONS,
+     "Sets the tag, adding it where the file has none, with its IFD (GPS, say) where that\n"
+     "is missing too. TYPE is byte, ascii, short, long, rational, sbyte, undefined,\n"
+     "sshort, slong, srational, float or double (or 1 to 12). An ascii VALUE is one\n"
+     "argument; numbers are decimal, rationals n/d, undefined values one byte per\n"
+     "argument in decimal or 0x hex.\n" TAG_TEXT OPTIONS IFD_OPTION WRITE_OPTIONS,
      RunSet},
     {"delete", "FILE... TAG [--ifd N] [-o OUT] [-P]", "delete a tag",
      "Deletes the tag from each file. A sub-IFD left empty goes with its pointer;\n"

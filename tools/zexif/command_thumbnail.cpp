@@ -1,10 +1,10 @@
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/command.h"
-#include "tools/zexif/edit_session.h"
-#include "tools/zexif/file_bytes.h"
-#include "tools/zexif/open_reader.h"
+#include "zexif/arguments.h"
+#include "zexif/command.h"
+#include "zexif/edit_session.h"
+#include "zexif/file_bytes.h"
+#include "zexif/open_reader.h"
 #include "zexif.h"
 
 namespace {

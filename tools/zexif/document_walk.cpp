@@ -1,116 +1,206 @@
-#include "tools/zexif/document_walk.h"
+#include "zexif/document_walk.h"
 
-#include "tools/zexif/document_tags.h"
-#include "tools/zexif/tag_argument.h"
-#include "tree/document.h"
-#include "tree/walk.h"
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "zexif/field_types.h"
+#include "zexif/load_document.h"
+#include "zexif/tag_argument.h"
+#include "zexif/tag_reading.h"
+#include "zexif/tiff_bytes.h"
 #include "zexif.h"
 
 namespace {
 
-const CTag *TagOf(const CNode *node)
+constexpr int32_t MARKER_SOI = 0xD8;
+constexpr int32_t MARKER_EOI = 0xD9;
+constexpr int32_t MARKER_APP0 = 0xE0;
+constexpr int32_t MARKER_APP1 = 0xE1;
+constexpr int32_t MARKER_APP15 = 0xEF;
+constexpr uint32_t TIFF_IFD = 13;
+constexpr uint32_t TAG_EXIF_IFD = 34665;
+constexpr uint32_t TAG_GPS_IFD = 34853;
+constexpr uint32_t TAG_INTEROP_IFD = 40965;
+// "Exif" and two bytes, then at least a TIFF header of 8 bytes.
+constexpr uint32_t EXIF_PREFIX = 6;
+constexpr uint32_t SMALLEST_EXIF_PAYLOAD = 14;
+
+// One TIFF block on its way through the visitor.
+struct Block {
+    CExifReader *reader;
+    const TiffBytes &bytes;
+    DocumentVisitor &visitor;
+};
+
+// The sub-IFD that a tag of that IFD leads to, as the library finds them; -1
+// for a tag that leads to none.
+int SubIfdOf(int ifd, uint32_t tag)
 {
-    return AsTag(const_cast<CNode *>(node));
+    if (ifd == 0 && tag == TAG_EXIF_IFD) return IFD_EXIF;
+    if (ifd == 0 && tag == TAG_GPS_IFD) return IFD_GPS;
+    return ifd == IFD_EXIF && tag == TAG_INTEROP_IFD ? IFD_INTEROP : -1;
 }
 
-// Tag numbers 1, 2, 3 and 60 are also structural ids: only a node that is no
-// tag is the structure.
-bool IsStructure(const CNode *node, int32_t id)
+bool IsPointerForm(const TifTagItem &item)
 {
-    return node != nullptr && node->m_id == id && TagOf(node) == nullptr;
+    return (item.type == TIFF_LONG || item.type == TIFF_IFD) && item.count == 1 && item.data != nullptr;
 }
 
-std::string SubIfdName(TagGroup group, int32_t pointer)
+// Of several tags of a pointer's number, the first of a pointer's form leads
+// to the sub-IFD.
+bool IsFirstPointer(const TifTagList &list, int32_t index)
 {
-    switch (group) {
-    case GROUP_EXIF: return "Exif IFD";
-    case GROUP_GPS: return "GPS IFD";
-    case GROUP_INTEROP: return "Interoperability IFD";
-    default: return "IFD of tag " + std::to_string(pointer);
+    if (!IsPointerForm(*list.items[index])) return false;
+    for (int32_t i = 0; i < index; ++i) {
+        if (list.items[i]->tag == list.items[index]->tag && IsPointerForm(*list.items[i])) return false;
+    }
+    return true;
+}
+
+std::string IfdName(int ifd)
+{
+    switch (ifd) {
+    case IFD_EXIF: return "Exif IFD";
+    case IFD_GPS: return "GPS IFD";
+    case IFD_INTEROP: return "Interoperability IFD";
+    default: return "IFD " + std::to_string(ifd);
     }
 }
 
-std::string SubIfdLabel(TagGroup group, int32_t pointer)
+// A tag with the value of the Ref tag of a GPS coordinate from the same IFD.
+TagView ViewOfItem(const TifTagList &list, int32_t index, int ifd)
 {
-    return group == GROUP_TIFF ? "tag " + std::to_string(pointer) : IfdLabel(group, 0);
-}
-
-// The entry count comes first in an IFD's chain, its next-IFD link last.
-IfdInfo DescribeIfd(std::string name, std::string label, const CNode *first)
-{
-    IfdInfo ifd;
-    ifd.name = std::move(name);
-    ifd.label = std::move(label);
-    if (IsStructure(first, NODE_ENTRY_COUNT)) ifd.entries = static_cast<int32_t>(first->m_value);
-    const CNode *last = first;
-    while (last != nullptr && last->m_next != nullptr) last = last->m_next;
-    if (IsStructure(last, NODE_NEXT_IFD)) ifd.next = last->m_value;
-    return ifd;
-}
-
-void WalkIfd(const IfdInfo &ifd, const CNode *first, TagGroup group, DocumentVisitor &visitor);
-
-void WalkTag(const CTag &tag, TagGroup group, DocumentVisitor &visitor)
-{
+    const TifTagItem &item = *list.items[index];
     TagView view;
-    const bool read = ViewOfTag(tag, group, &view);
-    visitor.BeginTag(view, read, tag.m_value);
-    if (tag.m_child != nullptr) {
-        const TagGroup below = GroupBelowPointer(static_cast<uint32_t>(tag.m_id));
-        WalkIfd(DescribeIfd(SubIfdName(below, tag.m_id), SubIfdLabel(below, tag.m_id), tag.m_child), tag.m_child,
-                below, visitor);
-    }
-    visitor.EndTag();
-}
-
-void WalkIfd(const IfdInfo &ifd, const CNode *first, TagGroup group, DocumentVisitor &visitor)
-{
-    visitor.BeginIfd(ifd);
-    for (const CNode *node = first; node != nullptr; node = node->m_next) {
-        if (const CTag *tag = TagOf(node)) WalkTag(*tag, group, visitor);
-    }
-    visitor.EndIfd();
-}
-
-// The header node, then IFD 0, IFD 1 and so on.
-void WalkTiffBlock(const CNode *first, DocumentVisitor &visitor)
-{
-    for (const CNode *node = first; node != nullptr; node = node->m_next) {
-        if (IsStructure(node, NODE_TIFF_HEADER)) {
-            visitor.TiffHeader(node->m_value != 0);
-        } else if (IsStructure(node, NODE_IFD)) {
-            const std::string index = std::to_string(node->m_value);
-            WalkIfd(DescribeIfd("IFD " + index, index, node->m_child), node->m_child, GROUP_TIFF, visitor);
+    view.group = GroupOfIfd(ifd);
+    view.number = item.tag;
+    view.value = ViewOfValue(item.type, item.count, item.data);
+    const uint32_t reference = ReferenceTagOf(view.group, item.tag);
+    for (int32_t i = 0; reference != 0 && i < list.count; ++i) {
+        const TifTagItem &other = *list.items[i];
+        if (other.tag == reference) {
+            view.reference = ViewOfValue(other.type, other.count, other.data);
+            break;
         }
     }
+    return view;
 }
 
-MarkerInfo DescribeMarker(const CNode &node)
+bool WalkIfd(const Block &block, int ifd, uint32_t offset);
+
+void WalkTag(const Block &block, const TifTagList &list, int32_t index, int ifd)
+{
+    const TifTagItem &item = *list.items[index];
+    block.visitor.BeginTag(ViewOfItem(list, index, ifd));
+    const int sub = SubIfdOf(ifd, item.tag);
+    if (sub >= 0 && IsFirstPointer(list, index)) WalkIfd(block, sub, *static_cast<const uint32_t *>(item.data));
+    block.visitor.EndTag();
+}
+
+// false when the reader has no such IFD.
+bool WalkIfd(const Block &block, int ifd, uint32_t offset)
+{
+    TifTagList *list = nullptr;
+    if (zRExifGetTagList(block.reader, ifd, &list) != 0) return false;
+    IfdInfo info;
+    info.name = IfdName(ifd);
+    info.label = IfdLabel(GroupOfIfd(ifd), static_cast<uint32_t>(ifd));
+    info.entries = list->count;
+    info.next = block.bytes.LinkBehind(offset);
+    block.visitor.BeginIfd(info);
+    for (int32_t i = 0; i < list->count; ++i) WalkTag(block, *list, i, ifd);
+    block.visitor.EndIfd();
+    zExifFreeTagList(list);
+    return true;
+}
+
+// The header, then IFD 0, IFD 1 and so on.
+void WalkBlock(const Block &block)
+{
+    block.visitor.TiffHeader(block.bytes.BigEndian());
+    uint32_t offset = block.bytes.FirstIfd();
+    for (int index = 0; WalkIfd(block, index, offset); ++index) offset = block.bytes.LinkBehind(offset);
+}
+
+bool IsExifPayload(int32_t marker, const ExifBuffer &data)
+{
+    return marker == MARKER_APP1 && data.size >= SMALLEST_EXIF_PAYLOAD && std::memcmp(data.data, "Exif", 4) == 0;
+}
+
+void WalkExifBlock(const ExifBuffer &data, DocumentVisitor &visitor)
+{
+    CExifReader *reader = zRExifBeginReadMemory(data.data + EXIF_PREFIX, data.size - EXIF_PREFIX);
+    if (reader == nullptr) return;
+    const TiffBytes bytes(std::vector<unsigned char>(data.data + EXIF_PREFIX, data.data + data.size));
+    WalkBlock({reader, bytes, visitor});
+    zRExifEndRead(reader);
+}
+
+MarkerInfo DescribeSegment(const ExifSegment &segment, const ExifBuffer &data, bool app)
 {
     MarkerInfo info;
-    info.code = node.m_id == MARKER_SCAN_DATA ? 0 : node.m_id;
-    const CMarker *marker = dynamic_cast<const CMarker *>(&node);
-    if (marker == nullptr || marker->m_state == BLOCK_NOTHING) return info;
-    info.hasPayload = true;
-    info.offset = marker->m_offset;
-    info.size = marker->m_size;
-    info.signature = marker->m_sig;
+    info.code = segment.marker == MARKER_SCAN_DATA ? 0 : segment.marker;
+    info.hasPayload = segment.marker != MARKER_SOI && segment.marker != MARKER_EOI;
+    info.offset = static_cast<int32_t>(segment.offset);
+    info.size = static_cast<int32_t>(segment.size);
+    info.hasSignature = app;
+    if (app) info.signature.assign(reinterpret_cast<const char *>(data.data), data.size < 4 ? data.size : 4);
     return info;
+}
+
+void WalkSegments(CExifDoc *doc, DocumentVisitor &visitor)
+{
+    ExifSegment *segments = nullptr;
+    int32_t count = 0;
+    if (zExifGetSegmentList(doc, &segments, &count) != 0) return;
+    for (int32_t i = 0; i < count; ++i) {
+        const bool app = segments[i].marker >= MARKER_APP0 && segments[i].marker <= MARKER_APP15;
+        ExifBuffer data{};
+        if (app) zExifGetSegmentData(doc, i, &data);
+        visitor.BeginMarker(DescribeSegment(segments[i], data, app));
+        if (IsExifPayload(segments[i].marker, data)) WalkExifBlock(data, visitor);
+        visitor.EndMarker();
+        zExifFreeBuffer(&data);
+    }
+    std::free(segments);
 }
 
 }  // namespace
 
-void WalkDocument(const CExifDoc &doc, DocumentVisitor &visitor)
+DumpedFile::~DumpedFile()
 {
-    if (doc.m_format != FORMAT_JPEG) {
-        WalkTiffBlock(doc.m_root, visitor);
+    zExifDestroy(m_doc);
+    zRExifEndRead(m_reader);
+}
+
+// A JPEG's segments are listed by the read-write family only.
+bool DumpedFile::Open(const std::string &path, std::string *message)
+{
+    m_path = path;
+    m_reader = zRExifBeginRead(path.c_str());
+    if (m_reader == nullptr) {
+        *message = "cannot load " + path + ": " + LoadFailureReason(path);
+        return false;
+    }
+    if (Format() != FORMAT_JPEG) return true;
+    m_doc = TryLoadDocument(path, message);
+    return m_doc != nullptr;
+}
+
+int DumpedFile::Format() const
+{
+    return zRExifGetFileFormat(m_reader);
+}
+
+void DumpedFile::Walk(DocumentVisitor &visitor) const
+{
+    if (m_doc != nullptr) {
+        WalkSegments(m_doc, visitor);
         return;
     }
-    for (const CNode *node = doc.m_root; node != nullptr; node = node->m_next) {
-        visitor.BeginMarker(DescribeMarker(*node));
-        WalkTiffBlock(node->m_child, visitor);
-        visitor.EndMarker();
-    }
+    const TiffBytes bytes(m_path);
+    WalkBlock({m_reader, bytes, visitor});
 }
 
 const char *FormatName(int32_t format)

@@ -1,13 +1,12 @@
-#include "tools/zexif/dump_json.h"
+#include "zexif/dump_json.h"
 
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "tools/zexif/document_walk.h"
-#include "tools/zexif/marker_names.h"
-#include "tools/zexif/tag_json.h"
-#include "tree/document.h"
+#include "zexif/document_walk.h"
+#include "zexif/marker_names.h"
+#include "zexif/tag_json.h"
 #include "zexif.h"
 
 namespace {
@@ -32,8 +31,9 @@ public:
             m_json.String(MarkerCode(marker.code)).Key("name").String(MarkerName(marker.code));
         }
         if (marker.hasPayload) m_json.Key("offset").Integer(marker.offset).Key("size").Integer(marker.size);
-        if (marker.signature != nullptr) {
-            m_json.Key("signature").String(reinterpret_cast<const unsigned char *>(marker.signature), 4);
+        if (marker.hasSignature) {
+            const unsigned char *signature = reinterpret_cast<const unsigned char *>(marker.signature.data());
+            m_json.Key("signature").String(signature, marker.signature.size());
         }
     }
 
@@ -70,11 +70,11 @@ public:
         m_json.EndArray().EndObject();
     }
 
-    void BeginTag(const TagView &tag, bool read, uint32_t) override
+    void BeginTag(const TagView &tag) override
     {
         ++m_tagDepth;
         m_json.BeginObject();
-        WriteTagMembers(m_json, tag, m_labels.back(), read);
+        WriteTagMembers(m_json, tag, m_labels.back());
     }
 
     void EndTag() override
@@ -107,12 +107,13 @@ private:
 
 }  // namespace
 
-void WriteDocumentMembers(JsonWriter &json, const CExifDoc &doc)
+void WriteDocumentMembers(JsonWriter &json, const DumpedFile &file)
 {
-    json.Key("format").String(FormatName(doc.m_format));
+    const bool jpeg = file.Format() == FORMAT_JPEG;
+    json.Key("format").String(FormatName(file.Format()));
     JsonDump dump(json);
-    if (doc.m_format == FORMAT_JPEG) json.Key("markers").BeginArray();
-    WalkDocument(doc, dump);
-    if (doc.m_format == FORMAT_JPEG) json.EndArray();
+    if (jpeg) json.Key("markers").BeginArray();
+    file.Walk(dump);
+    if (jpeg) json.EndArray();
     dump.CloseTiff();
 }

@@ -1,9 +1,9 @@
 #ifndef ZEXIF_TOOL_DUMP_JSON_H
 #define ZEXIF_TOOL_DUMP_JSON_H
 
-#include "tools/zexif/json_writer.h"
+#include "zexif/json_writer.h"
 
-struct CExifDoc;
+class DumpedFile;
 
 // The members of a file's object in dump --json, into an object the caller
 // has begun with its "file":
@@ -17,6 +17,6 @@ struct CExifDoc;
 // An IFD is {"ifd": "0", "name": "IFD 0", "entries", "nextIfd", "tags"},
 // each tag an object as WriteTagMembers makes it, with "subIfd" holding the
 // IFD it points to.
-void WriteDocumentMembers(JsonWriter &json, const CExifDoc &doc);
+void WriteDocumentMembers(JsonWriter &json, const DumpedFile &file);
 
 #endif

@@ -1,9 +1,8 @@
-#include "tools/zexif/dump_text.h"
+#include "zexif/dump_text.h"
 
-#include "tools/zexif/document_walk.h"
-#include "tools/zexif/marker_names.h"
-#include "tools/zexif/value_format.h"
-#include "tree/document.h"
+#include "zexif/document_walk.h"
+#include "zexif/marker_names.h"
+#include "zexif/value_format.h"
 
 namespace {
 
@@ -25,8 +24,9 @@ std::string PayloadText(const MarkerInfo &marker)
     if (!marker.hasPayload) return "";
     char text[64];
     std::snprintf(text, sizeof text, "offset %-8d size %d", marker.offset, marker.size);
-    if (marker.signature == nullptr) return text;
-    return std::string(text) + "  " + QuoteText(reinterpret_cast<const unsigned char *>(marker.signature), 4);
+    if (!marker.hasSignature) return text;
+    const unsigned char *signature = reinterpret_cast<const unsigned char *>(marker.signature.data());
+    return std::string(text) + "  " + QuoteText(signature, marker.signature.size());
 }
 
 class TextDump : public DocumentVisitor {
@@ -64,10 +64,10 @@ public:
 
     void EndIfd() override { --m_depth; }
 
-    void BeginTag(const TagView &tag, bool read, uint32_t offset) override
+    void BeginTag(const TagView &tag) override
     {
         const char *name = NameOfTag(tag.group, tag.number);
-        const std::string value = read ? ReadableValue(tag, false) : "(not read, at offset " + std::to_string(offset) + ")";
+        const std::string value = ReadableValue(tag, false);
         Indent(m_depth++);
         std::fprintf(m_out, "%5u %-27s %-9s %6u  %s\n", tag.number, name != nullptr ? name : "",
                      TypeName(tag.value.type).c_str(), tag.value.count, value.c_str());
@@ -84,9 +84,9 @@ private:
 
 }  // namespace
 
-void PrintDocument(const CExifDoc &doc, const std::string &name, FILE *out)
+void PrintDocument(const DumpedFile &file, const std::string &name, FILE *out)
 {
-    std::fprintf(out, "%s: %s\n", name.c_str(), FormatName(doc.m_format));
+    std::fprintf(out, "%s: %s\n", name.c_str(), FormatName(file.Format()));
     TextDump dump(out);
-    WalkDocument(doc, dump);
+    file.Walk(dump);
 }

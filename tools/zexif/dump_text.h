@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <string>
 
-struct CExifDoc;
+class DumpedFile;
 
-// Writes a loaded document as an indented outline: the format, the chain of
+// Writes a file as an indented outline: the format, the chain of
 // JPEG markers with where their payloads lie, and every IFD with its tags by
 // number, name, type, count and value, a sub-IFD under the tag that points
 // to it.
-void PrintDocument(const CExifDoc &doc, const std::string &name, FILE *out);
+void PrintDocument(const DumpedFile &file, const std::string &name, FILE *out);
 
 #endif

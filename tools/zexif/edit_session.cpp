@@ -1,17 +1,14 @@
-#include "tools/zexif/edit_session.h"
+#include "zexif/edit_session.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
-#include "tools/zexif/command.h"
-#include "tools/zexif/file_bytes.h"
-#include "tools/zexif/load_document.h"
+#include "zexif/command.h"
+#include "zexif/load_document.h"
 #include "zexif.h"
 
 namespace {
@@ -26,7 +23,7 @@ std::string SaveFailure(const std::string &target, int error)
     if (stat(target.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
         return S_ISDIR(info.st_mode) ? ": it is a directory" : ": not a regular file (-o - writes to standard output)";
     }
-    return error != 0 ? std::string(": ") + std::strerror(error) : "";
+    return std::string(": ") + (error != 0 ? std::strerror(error) : zExifGetErrorText(zExifGetLastError()));
 }
 
 bool Save(CExifDoc *doc, const std::string &target)
@@ -38,29 +35,18 @@ bool Save(CExifDoc *doc, const std::string &target)
     return false;
 }
 
-bool CopyToStandardOutput(const std::string &path)
-{
-    std::vector<unsigned char> bytes;
-    if (!ReadFileBytes(path, &bytes)) return false;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0) return true;
-    std::fprintf(stderr, "zexif: cannot write to standard output: %s\n", std::strerror(errno));
-    return false;
-}
-
-// Standard output is a stream, no file to put a new one in the place of:
-// the result is saved to a private file first and copied out.
+// Standard output is a stream, no file to put a new one in the place of.
 bool SaveToStandardOutput(CExifDoc *doc)
 {
-    const char *folder = std::getenv("TMPDIR");
-    std::string path = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/zexif-XXXXXX";
-    int file = mkstemp(path.data());
-    if (file < 0) {
-        std::fprintf(stderr, "zexif: cannot make a temporary file %s: %s\n", path.c_str(), std::strerror(errno));
+    ExifBuffer bytes = {};
+    if (zExifSaveMemory(doc, &bytes) != 0) {
+        std::fprintf(stderr, "zexif: cannot save: %s\n", zExifGetErrorText(zExifGetLastError()));
         return false;
     }
-    close(file);
-    const bool done = Save(doc, path) && CopyToStandardOutput(path);
-    std::remove(path.c_str());
+    const size_t size = static_cast<size_t>(bytes.size);
+    const bool done = std::fwrite(bytes.data, 1, size, stdout) == size && std::fflush(stdout) == 0;
+    if (!done) std::fprintf(stderr, "zexif: cannot write to standard output: %s\n", std::strerror(errno));
+    zExifFreeBuffer(&bytes);
     return done;
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zexif/arguments.h"
+#include "zexif/arguments.h"
 
 struct CExifDoc;
 

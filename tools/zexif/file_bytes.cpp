@@ -1,4 +1,4 @@
-#include "tools/zexif/file_bytes.h"
+#include "zexif/file_bytes.h"
 
 #include <cerrno>
 #include <cstdio>

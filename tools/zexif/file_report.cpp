@@ -1,8 +1,8 @@
-#include "tools/zexif/file_report.h"
+#include "zexif/file_report.h"
 
 #include <cstdio>
 
-#include "tools/zexif/command.h"
+#include "zexif/command.h"
 
 FileReport::FileReport(bool json) : m_json(json)
 {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/zexif/json_writer.h"
+#include "zexif/json_writer.h"
 
 // The output of a command that reads several files. As text, each file's
 // part is printed as it comes, a blank line between files. As JSON, the run

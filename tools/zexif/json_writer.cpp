@@ -1,4 +1,4 @@
-#include "tools/zexif/json_writer.h"
+#include "zexif/json_writer.h"
 
 #include <charconv>
 #include <cmath>

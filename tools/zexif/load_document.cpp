@@ -1,4 +1,4 @@
-#include "tools/zexif/load_document.h"
+#include "zexif/load_document.h"
 
 #include <cerrno>
 #include <cstdio>

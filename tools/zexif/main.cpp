@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "tools/zexif/command.h"
+#include "zexif/command.h"
 
 namespace {
 

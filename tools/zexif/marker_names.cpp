@@ -1,4 +1,4 @@
-#include "tools/zexif/marker_names.h"
+#include "zexif/marker_names.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "tools/zexif/open_reader.h"
+#include "zexif/open_reader.h"
 
 #include <cstdio>
 
-#include "tools/zexif/load_document.h"
+#include "zexif/load_document.h"
 #include "zexif.h"
 
 CExifReader *TryBeginRead(const std::string &path, std::string *message)

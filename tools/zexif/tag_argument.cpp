@@ -1,10 +1,11 @@
-#include "tools/zexif/tag_argument.h"
+#include "zexif/tag_argument.h"
 
 #include <strings.h>
 
 #include <cstdio>
 
-#include "tools/zexif/arguments.h"
+#include "zexif/arguments.h"
+#include "zexif.h"
 
 namespace {
 
@@ -34,14 +35,15 @@ bool ParseIfdWord(const std::string &word, TagGroup *group, uint32_t *index, std
     return false;
 }
 
-bool AddressOfName(const TagName &name, const std::string &ifd, TagAddress *address, std::string *error)
+bool AddressOfName(int nameIfd, uint32_t number, const std::string &ifd, TagAddress *address, std::string *error)
 {
     TagGroup group;
     if (!ParseIfdWord(ifd, &group, &address->ifd, error)) return false;
-    address->group = name.group;
-    address->number = name.number;
-    if (ifd.empty() || group == name.group) return true;
-    *error = std::string(name.name) + " is no tag of " + (group == GROUP_TIFF ? "IFD " + ifd : "the " + ifd + " IFD");
+    address->group = GroupOfIfd(nameIfd);
+    address->number = number;
+    if (ifd.empty() || group == address->group) return true;
+    const std::string name = NameOfTag(address->group, number);
+    *error = name + " is no tag of " + (group == GROUP_TIFF ? "IFD " + ifd : "the " + ifd + " IFD");
     return false;
 }
 
@@ -61,9 +63,9 @@ bool AddressOfNumber(uint32_t number, const std::string &ifd, TagAddress *addres
 
 bool ParseTagAddress(const std::string &tag, const std::string &ifd, TagAddress *address, std::string *error)
 {
-    const TagName *name = FindTagByName(tag);
-    if (name != nullptr) return AddressOfName(*name, ifd, address, error);
-    uint32_t number;
+    int nameIfd;
+    uint32_t number, type;
+    if (zExifFindTag(tag.c_str(), &nameIfd, &number, &type) == 0) return AddressOfName(nameIfd, number, ifd, address, error);
     if (ParseNumber(tag, &number)) return AddressOfNumber(number, ifd, address, error);
     *error = "unknown tag '" + tag + "': give a name such as Make or DateTimeOriginal, or a number";
     return false;
@@ -75,6 +77,11 @@ bool AddressFromArguments(const std::string &tag, const ParsedArguments &parsed,
     if (ParseTagAddress(tag, parsed.Value("--ifd", ""), address, &error)) return true;
     std::fprintf(stderr, "zexif: %s\n", error.c_str());
     return false;
+}
+
+int IfdId(const TagAddress &address)
+{
+    return IfdOfGroup(address.group, address.ifd);
 }
 
 std::string IfdLabel(TagGroup group, uint32_t ifd)

@@ -1,9 +1,21 @@
 #ifndef ZEXIF_TOOL_TAG_ARGUMENT_H
 #define ZEXIF_TOOL_TAG_ARGUMENT_H
 
+#include <cstdint>
 #include <string>
 
-#include "tools/zexif/document_tags.h"
+#include "zexif/tag_names.h"
+
+// Where a command looks for a tag: a TIFF tag in the IFD of that index, any
+// other in the sub-IFD of its group.
+struct TagAddress {
+    TagGroup group = GROUP_TIFF;
+    uint32_t ifd = 0;
+    uint32_t number = 0;
+};
+
+// The IFD id of the address, for the library's calls.
+int IfdId(const TagAddress &address);
 
 // A command's TAG and --ifd words as an address. TAG is a name of the table
 // in any case, or a number in decimal or 0x hex. ifd is empty when --ifd was

@@ -1,9 +1,9 @@
-#include "tools/zexif/tag_json.h"
+#include "zexif/tag_json.h"
 
 #include <cstring>
 
-#include "load/tiff_types.h"
-#include "tools/zexif/value_format.h"
+#include "zexif/field_types.h"
+#include "zexif/value_format.h"
 
 namespace {
 
@@ -51,7 +51,7 @@ void WriteValue(JsonWriter &json, const ValueView &value)
 
 }  // namespace
 
-void WriteTagMembers(JsonWriter &json, const TagView &tag, const std::string &ifd, bool read)
+void WriteTagMembers(JsonWriter &json, const TagView &tag, const std::string &ifd)
 {
     const char *name = NameOfTag(tag.group, tag.number);
     json.Key("ifd").String(ifd).Key("tag").Integer(tag.number).Key("name");
@@ -61,7 +61,7 @@ void WriteTagMembers(JsonWriter &json, const TagView &tag, const std::string &if
         json.Null();
     }
     json.Key("type").String(TypeName(tag.value.type)).Key("count").Integer(tag.value.count);
-    const bool shown = read && TiffTypeSize(tag.value.type) != 0;
+    const bool shown = TiffTypeSize(tag.value.type) != 0;
     if (shown) {
         json.Key("value");
         WriteValue(json, tag.value);

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "tools/zexif/json_writer.h"
-#include "tools/zexif/value_meaning.h"
+#include "zexif/json_writer.h"
+#include "zexif/value_meaning.h"
 
 // The members of a tag's JSON object, into an object the caller has begun:
 //   "ifd"    where it is: "0", "1", "exif", "gps", "interop"
@@ -13,9 +13,9 @@
 //   "value"  ASCII as a string up to the first NUL; UNDEFINED as a string of
 //            hex digits; integers and reals as an array of numbers;
 //            rationals as an array of [numerator, denominator] pairs; null
-//            for a value that was not read or has an unknown type
+//            for a value of an unknown type
 //   "text"   the value as get prints it, null where "value" is
 //   "decimal" only for a GPS latitude or longitude: signed decimal degrees
-void WriteTagMembers(JsonWriter &json, const TagView &tag, const std::string &ifd, bool read);
+void WriteTagMembers(JsonWriter &json, const TagView &tag, const std::string &ifd);
 
 #endif

@@ -1,11 +1,11 @@
-#include "tools/zexif/value_format.h"
+#include "zexif/value_format.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 
-#include "load/tiff_types.h"
-#include "tools/zexif/value_numbers.h"
+#include "zexif/field_types.h"
+#include "zexif/value_numbers.h"
 
 namespace {
 

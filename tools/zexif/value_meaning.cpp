@@ -1,10 +1,10 @@
-#include "tools/zexif/value_meaning.h"
+#include "zexif/value_meaning.h"
 
 #include <cstdio>
 #include <cstring>
 
-#include "load/tiff_types.h"
-#include "tools/zexif/value_format.h"
+#include "zexif/field_types.h"
+#include "zexif/value_format.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/zexif/tag_names.h"
-#include "tools/zexif/value_numbers.h"
+#include "zexif/tag_names.h"
+#include "zexif/value_numbers.h"
 
 // One tag as the commands show it: where it is, its value and, for a GPS
 // latitude or longitude, the value of its Ref tag (type 0 when there is none).

@@ -1,9 +1,9 @@
-#include "tools/zexif/value_numbers.h"
+#include "zexif/value_numbers.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "load/tiff_types.h"
+#include "zexif/field_types.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/zexif/value_parse.h"
+#include "zexif/value_parse.h"
 
 #include <cctype>
 #include <cerrno>
@@ -7,9 +7,9 @@
 #include <strings.h>
 #include <limits>
 
-#include "load/tiff_types.h"
-#include "tools/zexif/arguments.h"
-#include "tools/zexif/value_format.h"
+#include "zexif/arguments.h"
+#include "zexif/field_types.h"
+#include "zexif/value_format.h"
 
 namespace {
 

@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+
+#include "support/files.h"
+#include "support/tree_records.h"
+
+namespace {
+
+// A wanted scan of the Exif IFD that meets a tag with a slot of its own
+// replaces the chain's value, unless that value went to a caller: a pointer
+// handed out stays valid and keeps what it showed.
+TEST(ReaderSlots, AWantedScanReplacesWhatWasNotHandedOut)
+{
+    struct Case {
+        const char *name;
+        std::vector<uint32_t> asked;
+        uint16_t orientation;
+        std::string make;
+    };
+    const Case cases[] = {
+        {"nothing handed out", {33434}, 6, "Zq"},
+        {"the orientation handed out", {274, 33434}, 1, "Zq"},
+        {"both handed out", {271, 274, 33434}, 1, "Ab"},
+    };
+    TempDir dir;
+    std::string path = dir.Write("slots.jpg", JpegOf({{Ascii(271, "Ab"), Short(274, 1), PointerTo(34665, 0)}},
+                                                     {{Ascii(271, "Zq"), Short(274, 6), Rational(33434, 1, 250)}}));
+    for (const Case &c : cases) {
+        ReaderPtr reader(zRExifBeginRead(path.c_str()));
+        std::map<uint32_t, void *> handedOut;
+        for (uint32_t tag : c.asked) {
+            ExifTagValue value{};
+            ASSERT_EQ(0, zRExifGetTag(reader.get(), tag, &value)) << c.name;
+            handedOut[tag] = value.data;
+        }
+        ExifTagValue orientation{}, make{};
+        ASSERT_EQ(0, zRExifGetTag(reader.get(), 274, &orientation));
+        ASSERT_EQ(0, zRExifGetTag(reader.get(), 271, &make));
+        EXPECT_EQ(c.orientation, *static_cast<uint16_t *>(orientation.data)) << c.name;
+        EXPECT_EQ(c.make, static_cast<const char *>(make.data)) << c.name;
+        if (handedOut.count(274)) EXPECT_EQ(handedOut[274], orientation.data) << c.name;
+        if (handedOut.count(271)) EXPECT_EQ(handedOut[271], make.data) << c.name;
+    }
+}
+
+std::vector<std::string> TagsOf(const std::string &path, int ifd)
+{
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    TifTagList *list = nullptr;
+    std::vector<std::string> tags;
+    if (zRExifGetTagList(reader.get(), ifd, &list) != 0) return tags;
+    for (int32_t i = 0; i < list->count; i++) {
+        const TifTagItem &item = *list->items[i];
+        Bytes bytes = ValueBytes({item.type, item.count, item.data});
+        tags.push_back(std::to_string(item.tag) + " " + std::to_string(item.type) + " " + std::string(bytes.begin(), bytes.end()));
+    }
+    zExifFreeTagList(list);
+    return tags;
+}
+
+// A TIFF's Exif data goes over with its Interop IFD, which takes the place of
+// the target's own.
+TEST(Tool, CopiesTheInteropIfdOfATiff)
+{
+    TempDir dir;
+    const std::vector<Ifd> subs = {{Rational(33434, 1, 250), PointerTo(40965, 1)}, {Ascii(1, "R98"), Short(4097, 640)}};
+    const std::string source = dir.Write("source.tif", Layout({false, {{Short(274, 1), PointerTo(34665, 0)}}, subs, {}}));
+    const Bytes targets[] = {Layout({false, {{Short(274, 1)}}, {}, {}}),
+                             Layout({false, {{PointerTo(34665, 0)}}, {{PointerTo(40965, 1)}, {Ascii(1, "THM"), Short(4098, 9)}}, {}})};
+    for (const Bytes &target : targets) {
+        const std::string into = dir.Write("into.tif", target), out = dir.Path("out.tif");
+        const std::string command = "'" + std::string(ZEXIF_TOOL_PATH) + "' copy-exif '" + source + "' '" + into + "' -o '" + out + "'";
+        ASSERT_EQ(0, std::system(command.c_str()));
+        EXPECT_EQ(TagsOf(source, IFD_INTEROP), TagsOf(out, IFD_INTEROP));
+    }
+}
+
+}  // namespace
