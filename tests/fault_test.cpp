@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "platform/copy_over.h"
-#include "reader/tif_tag_list.h"
 #include "save/temp_path.h"
 #include "support/fault.h"
 #include "support/files.h"
@@ -41,27 +40,6 @@ std::string Extension(const Bytes &file)
     return file[0] == 0xFF ? ".jpg" : ".tif";
 }
 
-// A reader's answer to each question; "" where it gave none.
-std::vector<std::string> ReaderAnswers(const std::string &path)
-{
-    ReaderPtr reader(zRExifBeginRead(path.c_str()));
-    std::vector<std::string> answers = {std::to_string(zRExifGetFileFormat(reader.get()))};
-    for (uint32_t tag : {271u, 274u, 306u, 33434u, 36867u, 37500u}) answers.push_back(ReaderValue(reader.get(), tag));
-    ExifBuffer buffer = {};
-    int got = zRExifGetThumbnailData(reader.get(), &buffer);
-    answers.push_back(got != 0 ? "" : std::string(buffer.data, buffer.data + buffer.size));
-    buffer = {};
-    got = zRExifGetExifMarker(reader.get(), &buffer);
-    answers.push_back(got != 0 ? "" : std::string(buffer.data, buffer.data + buffer.size));
-    delete[] buffer.data;
-    TifTagList *list = nullptr;
-    got = zRExifGetTIFExifData(reader.get(), &list);
-    answers.push_back(got != 0 || list == nullptr ? "" : std::to_string(list->count));
-    FreeTifTagList(list);
-    answers.push_back(zRExifIsAudioExist(reader.get()) ? "audio" : "");
-    return answers;
-}
-
 // Any open, read, seek or allocation of a load that fails gives null; the
 // standard library alone gets by without some of its allocations, and then
 // the tree is whole.
@@ -80,26 +58,6 @@ TEST(Faults, ALoadFailsWholeOrNotAtAll)
             return struck && !::testing::Test::HasFailure();
         });
         EXPECT_GT(failed, 10u);
-    }
-}
-
-// A reader whose open, reads or allocations fail answers fewer questions,
-// never wrongly.
-TEST(Faults, AReaderAnswersFewerButNeverWrong)
-{
-    for (const Bytes &file : Subjects()) {
-        TempDir dir;
-        std::string path = dir.Write("photo" + Extension(file), file);
-        const std::vector<std::string> clean = ReaderAnswers(path);
-        ForEachFailingCall([&](uint64_t failAt) {
-            FaultWindow window(FAULT_ANY, failAt);
-            std::vector<std::string> answers = ReaderAnswers(path);
-            bool struck = window.Close();
-            for (size_t i = 0; i < answers.size(); i++) {
-                if (answers[i] != "" && answers[i] != "-" && answers[i] != "0") EXPECT_EQ(clean[i], answers[i]) << i << " " << window.Describe(failAt);
-            }
-            return struck && !::testing::Test::HasFailure();
-        });
     }
 }
 

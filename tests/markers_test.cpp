@@ -59,15 +59,6 @@ TEST(RemoveMarker, TakesWhatItNames)
     EXPECT_EQ(-1, zExifRemoveMarker(nullptr, 0xE1, 0));
 }
 
-// A tag of a marker's number is no marker.
-TEST(RemoveMarker, NeverTakesATag)
-{
-    TempDir dir;
-    DocPtr doc(zExifLoadFile(dir.Write("photo.jpg", JpegOf({{Short(226, 1)}})).c_str()));
-    EXPECT_EQ(-1, zExifRemoveMarker(doc.get(), 226, 0));
-    EXPECT_EQ(1u, TreeTags(*doc).size());
-}
-
 ExifBuffer ExifMarkerOf(const std::string &path)
 {
     ReaderPtr reader(zRExifBeginRead(path.c_str()));

@@ -8,8 +8,6 @@
 #include "platform/utf16.h"
 #include "reader/cached_file.h"
 #include "streams/file_stream.h"
-#include "streams/hook_stream.h"
-#include "streams/memory_stream.h"
 #include "support/files.h"
 #include "support/tree_records.h"
 #include "zexif.h"
@@ -20,70 +18,6 @@ struct StreamDeleter {
     void operator()(CStreamIO *stream) const { DeleteStream(stream); }
 };
 using StreamPtr = std::unique_ptr<CStreamIO, StreamDeleter>;
-
-// Offsets from files reach a memory stream unchecked: a seek stops at either
-// end and tells where it went, the position for whence 0, the distance for 1.
-TEST(MemoryStream, SeeksStopAtEitherEndAndTellWhereTheyWent)
-{
-    Bytes data = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    CStreamObj stream(data.data(), 10);
-    const struct {
-        int whence;
-        int32_t offset;
-        int32_t result, position;
-    } seeks[] = {{0, 4, 4, 4},   {0, 10, 10, 10}, {0, 11, 10, 10}, {0, -3, 0, 0},   {1, 3, 3, 3},   {1, 20, 7, 10},
-                 {1, -4, -4, 6}, {1, -9, -6, 0},  {2, 0, 0, 10},   {2, -10, -10, 0}, {2, -11, -10, 0}, {2, 5, 0, 10},
-                 {2, -1, -1, 9}};
-    for (const auto &s : seeks) {
-        EXPECT_EQ(s.result, stream.Seek(s.whence, s.offset)) << s.whence << " " << s.offset;
-        EXPECT_EQ(s.position, stream.Tell()) << s.whence << " " << s.offset;
-    }
-    uint8_t buffer[4] = {};
-    stream.Seek(0, 7);
-    EXPECT_EQ(0, stream.IsEof());
-    EXPECT_EQ(3u, stream.Read(buffer, 4));
-    EXPECT_EQ(1, stream.IsEof());
-    EXPECT_EQ((Bytes{8, 9, 10}), Bytes(buffer, buffer + 3));
-    stream.Seek(0, 8);
-    EXPECT_EQ(2u, stream.Write(buffer, 4));
-    EXPECT_EQ((Bytes{8, 9}), Bytes(data.begin() + 8, data.end()));
-    EXPECT_EQ(0u, stream.Read(buffer, 1));
-    EXPECT_EQ(0u, stream.Write(buffer, 1));
-}
-
-// A view counts from where its parent stood when it was made, shares the
-// parent's position, never reaches in front of itself, and ends where its
-// size says.
-TEST(HookStream, CountsFromWhereItWasMade)
-{
-    Bytes data(100);
-    for (size_t i = 0; i < data.size(); i++) data[i] = uint8_t(i);
-    CStreamObj parent(data.data(), 100);
-    parent.Seek(0, 30);
-    CStreamIO *raw = nullptr;
-    ASSERT_EQ(1, CreateHookStream(&raw, &parent, 20));
-    StreamPtr view(raw);
-    EXPECT_EQ(0, view->Tell());
-    EXPECT_EQ(5, view->Seek(0, 5));
-    uint8_t byte = 0;
-    view->Read(&byte, 1);
-    EXPECT_EQ(35, byte);
-    EXPECT_EQ(36, parent.Tell());
-    EXPECT_EQ(0, view->Seek(0, -5));
-    EXPECT_EQ(30, parent.Tell());
-    EXPECT_EQ(0, view->IsEof());
-    view->Seek(0, 20);
-    EXPECT_EQ(1, view->IsEof());
-    EXPECT_EQ(70, view->Seek(0, 1000));
-    EXPECT_EQ(-100, view->Seek(1, -100));
-    EXPECT_EQ(-30, view->Tell());
-    EXPECT_EQ(0, CreateHookStream(&raw, &parent, 0));
-    EXPECT_EQ(0, CreateHookStream(&raw, nullptr, 5));
-    EXPECT_EQ(0, CreateMemoryStream(&raw, data.data(), 0));
-    EXPECT_EQ(0, CreateFileStream(&raw, "/nonexistent/zexif", STREAM_READ));
-    EXPECT_EQ(0, CreateFileStream(&raw, "/tmp", 3));
-    EXPECT_EQ(view.get(), raw);
-}
 
 // The reader's file answers every read, seek and end-of-file question as the
 // file stream does, inside its head, its window and beyond.
