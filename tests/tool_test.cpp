@@ -63,15 +63,16 @@ Bytes ValueKinds()
 {
     Block block;
     block.chain = {{Ascii(270, "Caf\xc3\xa9 \"quoted\"\n"), Ascii(271, "Maker"), Short(274, 6), Rational(282, 300, 1),
-                    Short(296, 2), Typed(700, 1, 6, {1, 2, 3, 4, 5, 6}), Typed(33550, 12, 1, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}),
+                    Short(296, 2), Ascii(315, "Ann, \"A\""), Typed(700, 1, 6, {1, 2, 3, 4, 5, 6}), Ascii(33432, "(c) Ann"), Typed(33550, 12, 1, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}),
                     PointerTo(34665, 0), PointerTo(34853, 1)}};
     block.subs = {{Rational(33434, 1, 250), Rational(33437, 28, 10), Short(34855, 400), Ascii(36867, "2024:02:29 23:59:59"),
-                   Typed(37377, 10, 1, {0xFD, 0xFF, 0xFF, 0xFF, 3, 0, 0, 0}), Typed(37500, 7, 5, {'N', 'i', 0, 0xFF, 7}),
+                   Typed(37377, 10, 1, {0xFD, 0xFF, 0xFF, 0xFF, 3, 0, 0, 0}), Rational(37386, 50, 1), Typed(37500, 7, 5, {'N', 'i', 0, 0xFF, 7}),
                    Typed(37510, 7, 12, {'A', 'S', 'C', 'I', 'I', 0, 0, 0, 'H', 'e', 'y', '!'}),
-                   Typed(41728, 7, 1, {3}), Typed(50000, 11, 1, {0, 0, 0xC0, 0x3F})},
+                   Long(40962, 4000), Long(40963, 3000), Typed(41728, 7, 1, {3}), Short(41989, 75), Ascii(42036, "Lens 50"), Typed(50000, 11, 1, {0, 0, 0xC0, 0x3F})},
                   {Typed(0, 1, 4, {2, 3, 0, 0}), Ascii(1, "N"),
                    Typed(2, 5, 3, {48, 0, 0, 0, 1, 0, 0, 0, 51, 0, 0, 0, 1, 0, 0, 0, 30, 0, 0, 0, 1, 0, 0, 0}),
-                   Ascii(3, "W"), Typed(4, 5, 3, {2, 0, 0, 0, 1, 0, 0, 0, 20, 0, 0, 0, 1, 0, 0, 0, 15, 0, 0, 0, 2, 0, 0, 0})}};
+                   Ascii(3, "W"), Typed(4, 5, 3, {2, 0, 0, 0, 1, 0, 0, 0, 20, 0, 0, 0, 1, 0, 0, 0, 15, 0, 0, 0, 2, 0, 0, 0}),
+                   Typed(5, 1, 1, {1}), Rational(6, 7, 2)}};
     return Layout(block);
 }
 
@@ -81,7 +82,7 @@ TEST(Tool, DumpsAsTheGoldenFilesShow)
 {
     ToolRun sample = Tool({});
     EXPECT_EQ(0, sample.status);
-    EXPECT_EQ(Golden("sample.txt"), Replaced(sample.out, ZEXIF_SAMPLE_JPEG, "SAMPLE"));
+    EXPECT_EQ(Golden("sample.txt"), sample.out);
     TempDir dir;
     std::string path = dir.Write("kinds.tif", ValueKinds());
     EXPECT_EQ(Golden("kinds.txt"), Replaced(Tool({"dump", path}).out, path, "FILE"));
