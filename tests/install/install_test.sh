@@ -18,11 +18,16 @@ install)
     rm -rf "$work"
     mkdir -p "$work"
     cmake --install "$3" --prefix "$prefix" >/dev/null
-    for file in include/zexif.h bin/zexif; do
+    for file in include/zexif.h bin/zexif share/man/man1/zexif.1 share/bash-completion/completions/zexif; do
         test -e "$prefix/$file" || { echo "not installed: $file" >&2; exit 1; }
     done
-    # The tool finds the library installed beside it, as a user would run it.
-    env -u LD_LIBRARY_PATH "$prefix/bin/zexif" --help >/dev/null
+    # The tool finds the library installed beside it, as a user would run it,
+    # and needs nothing of the build folder: it shows the sample it carries.
+    if grep -qF "$3/sample.jpg" "$prefix/bin/zexif" || readelf -d "$prefix/bin/zexif" | grep -F "$3" >&2; then
+        echo "the installed zexif looks into the build folder" >&2
+        exit 1
+    fi
+    (cd / && env -u LD_LIBRARY_PATH "$prefix/bin/zexif" | grep -q "^sample.jpg: JPEG")
     ;;
 pkg-config)
     libdir=$3 cc=$4 source=$5 sample=$6

@@ -1,29 +1,94 @@
 #include "zexif/arguments.h"
 
+#include <getopt.h>
+
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+
+namespace {
+
+// getopt_long takes any word that starts with '-' for options; a negative
+// number is hidden behind this mark while it runs.
+constexpr char NUMBER_MARK = '\x1f';
+
+std::string Unmarked(const std::string &word)
+{
+    return !word.empty() && word[0] == NUMBER_MARK ? word.substr(1) : word;
+}
+
+std::string Marked(const std::string &word)
+{
+    const bool negative = word.size() > 1 && word[0] == '-' && (std::isdigit(static_cast<unsigned char>(word[1])) || word[1] == '.');
+    return negative ? NUMBER_MARK + word : word;
+}
+
+std::string ShortOptions(const std::vector<OptionSpec> &options)
+{
+    std::string letters = ":";
+    for (const OptionSpec &option : options) {
+        if (option.letter == 0) continue;
+        letters += option.letter;
+        if (option.takesValue) letters += ':';
+    }
+    return letters;
+}
+
+const OptionSpec *FindLetter(const std::vector<OptionSpec> &options, int letter)
+{
+    for (const OptionSpec &option : options) {
+        if (option.letter == letter) return &option;
+    }
+    return nullptr;
+}
+
+bool Mistake(const std::string &command, const std::string &what)
+{
+    std::fprintf(stderr, "zexif %s: %s (see zexif %s --help)\n", command.c_str(), what.c_str(), command.c_str());
+    return false;
+}
+
+}  // namespace
 
 std::string ParsedArguments::Value(const std::string &option, const std::string &otherwise) const
 {
     auto found = values.find(option);
-    return found == values.end() ? otherwise : found->second;
+    return found == values.end() ? otherwise : found->second.back();
 }
 
-bool ParseArguments(const std::vector<std::string> &arguments, const std::set<std::string> &valueOptions,
-                    const std::set<std::string> &flagOptions, ParsedArguments *parsed)
+std::vector<std::string> ParsedArguments::All(const std::string &option) const
 {
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::string &word = arguments[i];
-        if (flagOptions.count(word) != 0) {
-            parsed->flags.insert(word);
-        } else if (valueOptions.count(word) != 0) {
-            if (i + 1 == arguments.size() || parsed->values.count(word) != 0) return false;
-            parsed->values[word] = arguments[++i];
-        } else {
-            parsed->positional.push_back(word);
-        }
+    auto found = values.find(option);
+    return found == values.end() ? std::vector<std::string>() : found->second;
+}
+
+bool ParseArguments(const std::string &command, const std::vector<std::string> &arguments,
+                    const std::vector<OptionSpec> &options, ParsedArguments *parsed)
+{
+    std::vector<std::string> words = {"zexif"};
+    for (const std::string &word : arguments) words.push_back(Marked(word));
+    std::vector<char *> argv;
+    for (std::string &word : words) argv.push_back(&word[0]);
+    argv.push_back(nullptr);
+    std::vector<struct option> longOptions;
+    for (size_t i = 0; i < options.size(); ++i) {
+        longOptions.push_back({options[i].name, options[i].takesValue ? required_argument : no_argument, nullptr,
+                               static_cast<int>(256 + i)});
     }
+    longOptions.push_back({nullptr, 0, nullptr, 0});
+    const std::string letters = ShortOptions(options);
+    optind = 0;
+    opterr = 0;
+    const int argc = static_cast<int>(words.size());
+    for (int found; (found = getopt_long(argc, argv.data(), letters.c_str(), longOptions.data(), nullptr)) != -1;) {
+        const std::string word = argv[optind - 1];
+        if (found == '?') return Mistake(command, "unknown option '" + (optopt != 0 ? std::string("-") + char(optopt) : word) + "'");
+        if (found == ':') return Mistake(command, "option '" + word + "' needs a value");
+        const OptionSpec *option = found >= 256 ? &options[static_cast<size_t>(found - 256)] : FindLetter(options, found);
+        parsed->values[option->name].push_back(option->takesValue ? Unmarked(optarg) : "");
+    }
+    for (int i = optind; i < argc; ++i) parsed->positional.push_back(Unmarked(argv[i]));
     return true;
 }
 
@@ -36,7 +101,8 @@ bool ParseNumber(const std::string &text, uint32_t *number)
     char *end = nullptr;
     errno = 0;
     const unsigned long long value = std::strtoull(digits.c_str(), &end, hex ? 16 : 10);
-    if (errno != 0 || *end != '\0' || value > UINT32_MAX) return false;
+    if (errno != 0 || *end != '\0') return false;
+    if (value > UINT32_MAX) return false;
     *number = static_cast<uint32_t>(value);
     return true;
 }

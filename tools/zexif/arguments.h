@@ -3,25 +3,36 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
-// A command's arguments split into the positional ones and the options it
-// knows. Only a word that is exactly a known option counts as one, so that a
-// value such as "-5" stays positional.
-struct ParsedArguments {
-    std::vector<std::string> positional;
-    std::map<std::string, std::string> values;
-    std::set<std::string> flags;
-
-    bool Has(const std::string &option) const { return values.count(option) != 0 || flags.count(option) != 0; }
-    std::string Value(const std::string &option, const std::string &otherwise) const;
+// An option a command takes: its long name, its one-letter form (0 for
+// none) and whether it takes a value.
+struct OptionSpec {
+    const char *name;
+    char letter;
+    bool takesValue;
 };
 
-// False when an option that takes a value comes last or twice.
-bool ParseArguments(const std::vector<std::string> &arguments, const std::set<std::string> &valueOptions,
-                    const std::set<std::string> &flagOptions, ParsedArguments *parsed);
+// A command's words split by getopt_long: the options, in any order among
+// the other words, by long name; a repeated option keeps every value.
+struct ParsedArguments {
+    std::vector<std::string> positional;
+    std::map<std::string, std::vector<std::string>> values;
+
+    bool Has(const std::string &option) const { return values.count(option) != 0; }
+    // The last value given.
+    std::string Value(const std::string &option, const std::string &otherwise) const;
+    std::vector<std::string> All(const std::string &option) const;
+};
+
+// GNU rules: --name=value or --name value, -x value or -xvalue, "--" ends
+// the options. A word that reads as a negative number ("-5", "-1/3") is a
+// value, not an option. False for an unknown option or a missing value,
+// after one line on stderr that names the mistake and points to the
+// command's --help.
+bool ParseArguments(const std::string &command, const std::vector<std::string> &arguments,
+                    const std::vector<OptionSpec> &options, ParsedArguments *parsed);
 
 // A number in decimal or, after "0x", in hex, up to 32 bits.
 bool ParseNumber(const std::string &text, uint32_t *number);

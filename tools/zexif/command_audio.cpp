@@ -1,9 +1,9 @@
 #include <cstdio>
 
-#include "zexif/arguments.h"
 #include "zexif/command.h"
 #include "zexif/edit_session.h"
 #include "zexif/load_document.h"
+#include "zexif/output.h"
 #include "zexif.h"
 
 namespace {
@@ -14,7 +14,7 @@ int Extract(const std::string &path, const std::string &out)
     if (doc == nullptr) return EXIT_FAILED;
     const bool done = zExifGetAudioFile(doc, out.c_str()) == 0;
     zExifDestroy(doc);
-    if (!done) std::fprintf(stderr, "zexif: cannot extract audio from %s to %s\n", path.c_str(), out.c_str());
+    if (!done) std::fprintf(Err(), "zexif: cannot extract audio from %s to %s\n", path.c_str(), out.c_str());
     return done ? EXIT_OK : EXIT_FAILED;
 }
 
@@ -23,33 +23,31 @@ int Extract(const std::string &path, const std::string &out)
 int Attach(const std::string &path, const std::string &wav, const SaveOptions &options)
 {
     return EditAndSave(path, options, [&](CExifDoc *doc) {
-        if (zExifSetAudioFile(doc, wav.c_str()) == 0) return true;
-        std::fprintf(stderr, "zexif: cannot attach %s to %s\n", wav.c_str(), path.c_str());
-        return false;
+        if (zExifSetAudioFile(doc, wav.c_str()) == 0) return EDIT_DONE;
+        std::fprintf(Err(), "zexif: cannot attach %s to %s\n", wav.c_str(), path.c_str());
+        return EDIT_FAILED;
     });
 }
 
-int Remove(const std::string &path, const SaveOptions &options)
+EditResult Remove(CExifDoc *doc, const std::string &path)
 {
-    return EditAndSave(path, options, [](CExifDoc *doc) {
+    if (zExifIsAudioExist(doc) == 1) {
         zExifRemoveAudio(doc);
-        return true;
-    });
+        return EDIT_DONE;
+    }
+    std::fprintf(Err(), "zexif: note: %s has no audio\n", path.c_str());
+    return EDIT_UNCHANGED;
 }
 
 }  // namespace
 
-int RunAudio(const std::vector<std::string> &arguments)
+int RunAudio(const ParsedArguments &parsed)
 {
-    ParsedArguments parsed;
-    if (arguments.empty() || !ParseArguments({arguments.begin() + 1, arguments.end()}, {"-o"}, SaveFlags(), &parsed)) {
-        return EXIT_USAGE;
-    }
-    const std::vector<std::string> &files = parsed.positional;
-    const std::string &action = arguments[0];
-    const SaveOptions options = SaveOptionsOf(parsed);
-    if (action == "extract" && files.size() == 2 && !parsed.Has("-o")) return Extract(files[0], files[1]);
-    if (action == "set" && files.size() == 2) return Attach(files[0], files[1], options);
-    if (action == "remove" && files.size() == 1) return Remove(files[0], options);
+    const std::vector<std::string> &words = parsed.positional;
+    if (words.size() < 2) return EXIT_USAGE;
+    const std::string &action = words[0];
+    if (action == "extract" && words.size() == 3 && !parsed.Has("out")) return Extract(words[1], words[2]);
+    if (action == "set" && words.size() == 3) return Attach(words[1], words[2], SaveOptionsOf(parsed));
+    if (action == "remove") return EditEach(parsed, {words.begin() + 1, words.end()}, Remove);
     return EXIT_USAGE;
 }

@@ -1,25 +1,44 @@
 #include <cstdio>
 
-#include "zexif/arguments.h"
 #include "zexif/command.h"
 #include "zexif/edit_session.h"
-#include "zexif/tag_argument.h"
+#include "zexif/output.h"
 #include "zexif/tag_edit.h"
+#include "zexif.h"
 
-int RunDelete(const std::vector<std::string> &arguments)
+namespace {
+
+// A tag that isn't there is no failure: the file is already as asked.
+EditResult DeleteAll(CExifDoc *doc, const std::string &path, const std::vector<TagAddress> &addresses)
 {
-    ParsedArguments parsed;
-    TagAddress address;
-    if (!ParseArguments(arguments, {"--ifd", "-o"}, SaveFlags(), &parsed) || parsed.positional.size() < 2 ||
-        !AddressFromArguments(parsed.positional.back(), parsed, &address)) {
-        return EXIT_USAGE;
-    }
-    const std::vector<std::string> files(parsed.positional.begin(), parsed.positional.end() - 1);
-    if (!OutFitsFiles(parsed.Has("-o"), files.size())) return EXIT_USAGE;
-    return EditEach(files, SaveOptionsOf(parsed), [&](CExifDoc *doc, const std::string &path) {
+    EditResult result = EDIT_UNCHANGED;
+    for (const TagAddress &address : addresses) {
         std::string error;
-        if (DeleteAddressedTag(doc, address, &error)) return true;
-        std::fprintf(stderr, "zexif: %s: %s\n", path.c_str(), error.c_str());
-        return false;
-    });
+        if (DeleteAddressedTag(doc, address, &error)) {
+            result = EDIT_DONE;
+        } else if (zExifGetLastError() == ZEXIF_ERROR_NOT_FOUND) {
+            std::fprintf(Err(), "zexif: note: %s: %s\n", path.c_str(), error.c_str());
+        } else {
+            std::fprintf(Err(), "zexif: %s: %s\n", path.c_str(), error.c_str());
+            return EDIT_FAILED;
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+int RunDelete(const ParsedArguments &parsed)
+{
+    std::vector<std::string> words = parsed.All("tag"), files = parsed.positional;
+    if (words.empty() && files.size() >= 2) {
+        words.push_back(files.back());
+        files.pop_back();
+    }
+    std::vector<TagAddress> addresses(words.size());
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (!AddressFromArguments(words[i], parsed, &addresses[i])) return EXIT_USAGE;
+    }
+    if (words.empty() || files.empty()) return EXIT_USAGE;
+    return EditEach(parsed, files, [&](CExifDoc *doc, const std::string &path) { return DeleteAll(doc, path, addresses); });
 }

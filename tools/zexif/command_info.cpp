@@ -1,43 +1,30 @@
 #include <cstdio>
-#include <vector>
 
-#include "zexif/arguments.h"
 #include "zexif/command.h"
 #include "zexif/document_walk.h"
 #include "zexif/file_report.h"
+#include "zexif/glance.h"
+#include "zexif/json_writer.h"
 #include "zexif/open_reader.h"
-#include "zexif/tag_argument.h"
-#include "zexif/tag_json.h"
-#include "zexif/tag_reading.h"
+#include "zexif/output.h"
 #include "zexif.h"
 
 namespace {
 
-const char *const SUMMARY_TAGS[] = {"Make",         "Model",   "DateTime",        "DateTimeOriginal",
-                                    "Orientation",  "ExposureTime", "FNumber", "ISOSpeedRatings",
-                                    "FocalLength"};
-
+// All of it comes from the read-only family, which builds no tree.
 struct Summary {
     const char *format;
     bool exif, thumbnail, audio;
-    std::vector<TagView> tags;
+    std::vector<std::string> glance;
+    GpsPosition position;
+    bool hasPosition;
 };
 
-// All of it comes from the read-only family; the tags are those of IFD 0 and
-// of its sub-IFDs.
 Summary Summarize(CExifReader *reader)
 {
     Summary summary = {FormatName(zRExifGetFileFormat(reader)), zRExifIsExifExist(reader) == 1,
-                       zRExifIsThumbnailExist(reader) == 1, zRExifIsAudioExist(reader) == 1, {}};
-    for (const char *name : SUMMARY_TAGS) {
-        int ifd;
-        uint32_t type;
-        TagAddress address;
-        zExifFindTag(name, &ifd, &address.number, &type);
-        address.group = GroupOfIfd(ifd);
-        TagView view;
-        if (ReadTag(reader, address, &view)) summary.tags.push_back(view);
-    }
+                       zRExifIsThumbnailExist(reader) == 1, zRExifIsAudioExist(reader) == 1, GlanceOf(reader), {}, false};
+    summary.hasPosition = ReadGpsPosition(reader, &summary.position);
     return summary;
 }
 
@@ -48,52 +35,76 @@ const char *YesNo(bool answer)
 
 void PrintSummary(const std::string &path, const Summary &summary)
 {
-    std::printf("%s: %s\n  Exif: %s\n  thumbnail: %s\n  audio: %s\n", path.c_str(), summary.format,
-                YesNo(summary.exif), YesNo(summary.thumbnail), YesNo(summary.audio));
-    for (const TagView &tag : summary.tags) {
-        std::printf("  %s: %s\n", NameOfTag(tag.group, tag.number), ReadableValue(tag, true).c_str());
+    std::fprintf(Out(), "%s: %s\n  Exif: %s\n  Thumbnail: %s\n  Audio: %s\n", path.c_str(), summary.format,
+                 YesNo(summary.exif), YesNo(summary.thumbnail), YesNo(summary.audio));
+    for (size_t i = 0; i < GLANCE_FIELDS; ++i) {
+        if (!summary.glance[i].empty()) std::fprintf(Out(), "  %s: %s\n", GlanceLabels()[i].c_str(), summary.glance[i].c_str());
     }
 }
 
-void WriteSummary(JsonWriter &json, const Summary &summary)
+// The position as numbers, for programs.
+void WritePosition(JsonWriter &json, const Summary &summary)
 {
-    json.Key("format").String(summary.format).Key("exif").Bool(summary.exif);
-    json.Key("thumbnail").Bool(summary.thumbnail).Key("audio").Bool(summary.audio).Key("tags").BeginArray();
-    for (const TagView &tag : summary.tags) {
-        json.BeginObject();
-        WriteTagMembers(json, tag, IfdLabel(tag.group, 0));
-        json.EndObject();
+    if (!summary.hasPosition) {
+        json.Null();
+        return;
     }
-    json.EndArray();
-}
-
-void ReportSummary(const std::string &path, const Summary &summary, FileReport &report)
-{
-    if (report.IsJson()) {
-        WriteSummary(report.BeginObject(path), summary);
-        report.EndObject();
+    json.BeginObject().Key("latitude").Real(summary.position.latitude).Key("longitude").Real(summary.position.longitude);
+    json.Key("altitude");
+    if (summary.position.hasAltitude) {
+        json.Real(summary.position.altitude);
     } else {
-        report.BeginText();
-        PrintSummary(path, summary);
+        json.Null();
     }
+    json.EndObject();
+}
+
+void WriteSummary(const std::string &path, const Summary &summary)
+{
+    JsonWriter json;
+    json.BeginObject().Key("file").String(path).Key("format").String(summary.format).Key("exif").Bool(summary.exif);
+    json.Key("thumbnail").Bool(summary.thumbnail).Key("audio").Bool(summary.audio);
+    for (size_t i = 0; i < GLANCE_FIELDS; ++i) {
+        json.Key(GlanceKeys()[i]);
+        if (i == GLANCE_GPS) {
+            WritePosition(json, summary);
+        } else if (summary.glance[i].empty()) {
+            json.Null();
+        } else {
+            json.String(summary.glance[i]);
+        }
+    }
+    std::fputs(json.EndObject().Text().c_str(), Out());
+}
+
+std::vector<std::string> CsvColumns()
+{
+    std::vector<std::string> columns = {"format", "exif", "thumbnail", "audio"};
+    columns.insert(columns.end(), GlanceKeys().begin(), GlanceKeys().end());
+    return columns;
+}
+
+void ReportSummary(const std::string &path, const Summary &summary, ReportForm form)
+{
+    if (form == FORM_TEXT) return PrintSummary(path, summary);
+    if (form == FORM_JSON) return WriteSummary(path, summary);
+    std::vector<std::string> row = {path, summary.format, YesNo(summary.exif), YesNo(summary.thumbnail), YesNo(summary.audio)};
+    row.insert(row.end(), summary.glance.begin(), summary.glance.end());
+    std::fputs(CsvRow(row).c_str(), Out());
 }
 
 }  // namespace
 
-int RunInfo(const std::vector<std::string> &arguments)
+int RunInfo(const ParsedArguments &parsed)
 {
-    ParsedArguments parsed;
-    if (!ParseArguments(arguments, {}, {"--json"}, &parsed) || parsed.positional.empty()) return EXIT_USAGE;
-    FileReport report(parsed.Has("--json"));
-    for (const std::string &path : parsed.positional) {
+    ReportForm form;
+    if (!ReportFormOf(parsed, &form) || parsed.positional.empty()) return EXIT_USAGE;
+    return RunForEachFile(parsed, parsed.positional, ListingOf(form, CsvColumns(), "\n"), [&](const std::string &path) {
         std::string message;
         CExifReader *reader = TryBeginRead(path, &message);
-        if (reader != nullptr) {
-            ReportSummary(path, Summarize(reader), report);
-        } else {
-            report.Fail(path, message);
-        }
+        if (reader == nullptr) return ReportFailure(form, path, message);
+        ReportSummary(path, Summarize(reader), form);
         zRExifEndRead(reader);
-    }
-    return report.Finish();
+        return EXIT_OK;
+    });
 }

@@ -1,8 +1,8 @@
 #include <cstdio>
 
-#include "zexif/arguments.h"
 #include "zexif/command.h"
 #include "zexif/edit_session.h"
+#include "zexif/output.h"
 #include "zexif.h"
 
 namespace {
@@ -19,11 +19,11 @@ uint32_t PackSignature(const std::string &text)
     return signature;
 }
 
-bool RemoveMarker(CExifDoc *doc, const std::string &path, uint32_t code, uint32_t signature)
+EditResult RemoveMarker(CExifDoc *doc, const std::string &path, uint32_t code, uint32_t signature)
 {
-    if (zExifRemoveMarker(doc, static_cast<int>(code), signature) == 0) return true;
-    std::fprintf(stderr, "zexif: %s is no JPEG or has no marker 0x%02X\n", path.c_str(), code);
-    return false;
+    if (zExifRemoveMarker(doc, static_cast<int>(code), signature) == 0) return EDIT_DONE;
+    std::fprintf(Err(), "zexif: %s is no JPEG or has no marker 0x%02X\n", path.c_str(), code);
+    return EDIT_FAILED;
 }
 
 }  // namespace
@@ -31,18 +31,14 @@ bool RemoveMarker(CExifDoc *doc, const std::string &path, uint32_t code, uint32_
 // APP1 goes whole, whatever it holds, so it alone needs no signature; for any
 // other code the library removes the first marker of that code only when its
 // payload starts with the signature.
-int RunRemoveMarker(const std::vector<std::string> &arguments)
+int RunRemoveMarker(const ParsedArguments &parsed)
 {
-    ParsedArguments parsed;
     uint32_t code;
-    if (!ParseArguments(arguments, {"--signature", "-o"}, SaveFlags(), &parsed) || parsed.positional.size() != 2 ||
-        !ParseNumber(parsed.positional[1], &code) || code > 0xFF) {
-        return EXIT_USAGE;
-    }
-    const std::string text = parsed.Value("--signature", "");
-    if (parsed.Has("--signature") ? text.size() != SIGNATURE_SIZE : code != MARKER_APP1) return EXIT_USAGE;
+    if (parsed.positional.size() < 2 || !ParseNumber(parsed.positional.back(), &code) || code > 0xFF) return EXIT_USAGE;
+    const std::string text = parsed.Value("signature", "");
+    if (parsed.Has("signature") ? text.size() != SIGNATURE_SIZE : code != MARKER_APP1) return EXIT_USAGE;
     const uint32_t signature = text.empty() ? 0 : PackSignature(text);
-    const std::string &path = parsed.positional[0];
-    return EditAndSave(path, SaveOptionsOf(parsed),
-                       [&](CExifDoc *doc) { return RemoveMarker(doc, path, code, signature); });
+    const std::vector<std::string> files(parsed.positional.begin(), parsed.positional.end() - 1);
+    return EditEach(parsed, files,
+                    [&](CExifDoc *doc, const std::string &path) { return RemoveMarker(doc, path, code, signature); });
 }

@@ -188,6 +188,15 @@ bool DumpedFile::Open(const std::string &path, std::string *message)
     return m_doc != nullptr;
 }
 
+bool DumpedFile::OpenMemory(const std::string &name, const unsigned char *data, uint32_t size)
+{
+    m_path = name;
+    m_reader = zRExifBeginReadMemory(data, size);
+    if (m_reader == nullptr || Format() != FORMAT_JPEG) return m_reader != nullptr;
+    m_doc = zExifLoadMemory(data, size);
+    return m_doc != nullptr;
+}
+
 int DumpedFile::Format() const
 {
     return zRExifGetFileFormat(m_reader);

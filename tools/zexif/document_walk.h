@@ -55,6 +55,8 @@ public:
     // false, with message "cannot load PATH: REASON", for a file that can't
     // be read.
     bool Open(const std::string &path, std::string *message);
+    // The same for bytes in memory, which must outlive the object.
+    bool OpenMemory(const std::string &name, const unsigned char *data, uint32_t size);
     int Format() const;
     void Walk(DocumentVisitor &visitor) const;
 

@@ -2,7 +2,6 @@
 #define ZEXIF_TOOL_EDIT_SESSION_H
 
 #include <functional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -12,32 +11,30 @@ struct CExifDoc;
 
 // Where an edited file goes: over FILE when out is empty, else to out, "-"
 // being standard output. keepTime gives the saved file the times that FILE
-// had before the edit.
+// had before the edit. dryRun shows what the edit would change and writes
+// nothing.
 struct SaveOptions {
     std::string out;
     bool keepTime = false;
+    bool dryRun = false;
 };
 
-// The flag options of a command that saves, -P and --preserve-time, beside
-// the command's own.
-std::set<std::string> SaveFlags(std::set<std::string> own = {});
-
-// What -o and -P of a command that saves ask for.
+// What -o, -P and -n of a command that saves ask for.
 SaveOptions SaveOptionsOf(const ParsedArguments &parsed);
+
+// What an edit did: failed (after saying why), changed the document, or
+// found nothing to change, which needs no save.
+enum EditResult { EDIT_FAILED, EDIT_DONE, EDIT_UNCHANGED };
 
 // Loads path, applies edit and saves the result as options say; the
 // library's save goes through a temporary file, so a failed one leaves the
-// target as it was. edit says what went wrong itself and returns false to
-// skip the save. Returns the exit status.
-int EditAndSave(const std::string &path, const SaveOptions &options, const std::function<bool(CExifDoc *)> &edit);
+// target as it was. A dry run prints each value the edit changes, old and
+// new, as the saved file would have them. Returns the exit status.
+int EditAndSave(const std::string &path, const SaveOptions &options, const std::function<EditResult(CExifDoc *)> &edit);
 
-// EditAndSave for each path in turn, a failure not stopping the others; the
-// exit status is 1 when any failed. options.out is for a single path.
-int EditEach(const std::vector<std::string> &paths, const SaveOptions &options,
-             const std::function<bool(CExifDoc *, const std::string &path)> &edit);
-
-// For the commands that take several files: -o makes sense with one only.
-// Says so on stderr when it is given with more.
-bool OutFitsFiles(bool hasOut, size_t files);
+// EditAndSave for each of files (with -r and -j as parsed asks), a failure
+// not stopping the others; -o goes with one file only.
+int EditEach(const ParsedArguments &parsed, const std::vector<std::string> &files,
+             const std::function<EditResult(CExifDoc *, const std::string &path)> &edit);
 
 #endif

@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <cstring>
 
+#include "zexif/output.h"
+
 namespace {
 
 bool Complain(const char *what, const std::string &path)
 {
-    std::fprintf(stderr, "zexif: cannot %s %s: %s\n", what, path.c_str(), std::strerror(errno));
+    std::fprintf(Err(), "zexif: cannot %s %s: %s\n", what, path.c_str(), std::strerror(errno));
     return false;
 }
 

@@ -2,38 +2,55 @@
 
 #include <cstdio>
 
+#include "zexif/arguments.h"
 #include "zexif/command.h"
+#include "zexif/json_writer.h"
+#include "zexif/output.h"
 
-FileReport::FileReport(bool json) : m_json(json)
+namespace {
+
+std::string CsvField(const std::string &text)
 {
-    if (m_json) m_writer.BeginArray();
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
 }
 
-void FileReport::BeginText()
+}  // namespace
+
+bool ReportFormOf(const ParsedArguments &parsed, ReportForm *form)
 {
-    if (m_textStarted) std::printf("\n");
-    m_textStarted = true;
+    if (parsed.Has("json") && parsed.Has("csv")) {
+        std::fprintf(stderr, "zexif: --json and --csv don't go together\n");
+        return false;
+    }
+    *form = parsed.Has("json") ? FORM_JSON : parsed.Has("csv") ? FORM_CSV : FORM_TEXT;
+    return true;
 }
 
-JsonWriter &FileReport::BeginObject(const std::string &path)
+Listing ListingOf(ReportForm form, const std::vector<std::string> &columns, const std::string &textBetween)
 {
-    return m_writer.BeginObject().Key("file").String(path);
+    if (form == FORM_JSON) return {"[", ",", "]\n"};
+    if (form == FORM_TEXT) return {"", textBetween, ""};
+    std::vector<std::string> header = {"file"};
+    header.insert(header.end(), columns.begin(), columns.end());
+    return {CsvRow(header), "", ""};
 }
 
-void FileReport::EndObject()
+int ReportFailure(ReportForm form, const std::string &path, const std::string &message)
 {
-    m_writer.EndObject();
+    std::fprintf(Err(), "zexif: %s\n", message.c_str());
+    if (form == FORM_JSON) {
+        JsonWriter json;
+        std::fputs(json.BeginObject().Key("file").String(path).Key("error").String(message).EndObject().Text().c_str(), Out());
+    }
+    return EXIT_FAILED;
 }
 
-void FileReport::Fail(const std::string &path, const std::string &message)
+std::string CsvRow(const std::vector<std::string> &fields)
 {
-    std::fprintf(stderr, "zexif: %s\n", message.c_str());
-    m_failed = true;
-    if (m_json) BeginObject(path).Key("error").String(message).EndObject();
-}
-
-int FileReport::Finish()
-{
-    if (m_json) std::printf("%s\n", m_writer.EndArray().Text().c_str());
-    return m_failed ? EXIT_FAILED : EXIT_OK;
+    std::string row;
+    for (size_t i = 0; i < fields.size(); ++i) row += (i == 0 ? "" : ",") + CsvField(fields[i]);
+    return row + "\n";
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "zexif/output.h"
 #include "zexif.h"
 
 namespace {
@@ -33,7 +34,7 @@ CExifDoc *LoadDocument(const std::string &path)
 {
     std::string message;
     CExifDoc *doc = TryLoadDocument(path, &message);
-    if (doc == nullptr) std::fprintf(stderr, "zexif: %s\n", message.c_str());
+    if (doc == nullptr) std::fprintf(Err(), "zexif: %s\n", message.c_str());
     return doc;
 }
 

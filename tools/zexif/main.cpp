@@ -6,19 +6,26 @@
 #include <string>
 
 #include "zexif/command.h"
+#include "zexif.h"
 
 namespace {
 
 void PrintHelp(FILE *out)
 {
-    std::fprintf(out, "usage: zexif COMMAND ARGUMENTS...\n"
-                "Shows and edits the Exif, GPS, thumbnail and audio metadata of JPEG and TIFF files.\n"
-                "Without arguments, dumps the sample image built with the tool.\n\ncommands:\n");
+    std::fprintf(out, "usage: zexif COMMAND [OPTION]... FILE...\n"
+                "Shows and edits the Exif, GPS, thumbnail, comment, XMP and audio metadata of JPEG\n"
+                "and TIFF files. Without arguments, dumps the sample image built into the tool.\n\n"
+                "Commands:\n");
     size_t count;
     const Command *commands = CommandTable(&count);
     for (size_t i = 0; i < count; ++i) std::fprintf(out, "  %-14s %s\n", commands[i].name, commands[i].summary);
-    std::fprintf(out, "\nzexif COMMAND --help tells more about a command. The exit status is 0 for success,\n"
-                "1 when a file could not be handled, 2 for wrong arguments.\n");
+    std::fprintf(out, "\nOptions:\n"
+                "  -h, --help     this help; zexif COMMAND --help tells more about a command\n"
+                "  --version      the version of zexif and of the library it runs with\n\n"
+                "Exit status:\n"
+                "  0  every file was handled\n"
+                "  1  some file could not be handled (the others still were)\n"
+                "  2  wrong arguments\n");
 }
 
 void PrintCommandHelp(const Command &command)
@@ -39,21 +46,14 @@ bool IsHelp(const std::string &word)
 
 int RunCommand(const Command &command, const std::vector<std::string> &arguments)
 {
-    for (const std::string &word : arguments) {
-        if (!IsHelp(word)) continue;
+    ParsedArguments parsed;
+    if (!ParseArguments(command.name, arguments, command.options, &parsed)) return EXIT_USAGE;
+    if (parsed.Has("help")) {
         PrintCommandHelp(command);
         return EXIT_OK;
     }
-    const int status = command.run(arguments);
+    const int status = command.run(parsed);
     return status == EXIT_USAGE ? Usage(command) : status;
-}
-
-// An installed tool may have no build directory with the sample beside it.
-bool SampleExists()
-{
-    FILE *sample = std::fopen(ZEXIF_SAMPLE_JPEG, "rb");
-    if (sample != nullptr) std::fclose(sample);
-    return sample != nullptr;
 }
 
 }  // namespace
@@ -63,18 +63,14 @@ int main(int argc, char **argv)
     // Beyond the file size limit (ulimit -f) a write fails, and the save
     // cleans up as after any failed write, instead of the tool being killed.
     std::signal(SIGXFSZ, SIG_IGN);
-    if (argc < 2 && SampleExists()) return RunDump({ZEXIF_SAMPLE_JPEG});
-    if (argc < 2) {
-        PrintHelp(stderr);
-        return EXIT_USAGE;
-    }
+    if (argc < 2) return RunSampleDump();
     const std::string name = argv[1];
-    if (IsHelp(name)) {
+    if (IsHelp(name) || (name == "help" && argc == 2)) {
         PrintHelp(stdout);
         return EXIT_OK;
     }
-    if (name == "help" && argc == 2) {
-        PrintHelp(stdout);
+    if (name == "--version") {
+        std::printf("zexif %s\n", zExifGetVersion());
         return EXIT_OK;
     }
     const Command *command = FindCommand(name == "help" ? argv[2] : name);

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "zexif/load_document.h"
+#include "zexif/output.h"
 #include "zexif.h"
 
 CExifReader *TryBeginRead(const std::string &path, std::string *message)
@@ -16,6 +17,6 @@ CExifReader *OpenReader(const std::string &path)
 {
     std::string message;
     CExifReader *reader = TryBeginRead(path, &message);
-    if (reader == nullptr) std::fprintf(stderr, "zexif: %s\n", message.c_str());
+    if (reader == nullptr) std::fprintf(Err(), "zexif: %s\n", message.c_str());
     return reader;
 }

@@ -74,7 +74,7 @@ bool ParseTagAddress(const std::string &tag, const std::string &ifd, TagAddress 
 bool AddressFromArguments(const std::string &tag, const ParsedArguments &parsed, TagAddress *address)
 {
     std::string error;
-    if (ParseTagAddress(tag, parsed.Value("--ifd", ""), address, &error)) return true;
+    if (ParseTagAddress(tag, parsed.Value("ifd", ""), address, &error)) return true;
     std::fprintf(stderr, "zexif: %s\n", error.c_str());
     return false;
 }

@@ -222,3 +222,8 @@ std::string ReadableValue(const TagView &tag, bool whole)
     const std::string meaning = Meaning(tag, whole);
     return meaning.empty() ? text : text + " (" + meaning + ")";
 }
+
+const char *SettingName(const TagView &tag, int64_t value)
+{
+    return EnumNameOf(tag, value);
+}

@@ -33,4 +33,7 @@ bool GpsDecimalDegrees(const TagView &tag, double *degrees);
 // hemisphere, and in decimal degrees: 52° 30' 12.34" N (52.503428).
 std::string ReadableValue(const TagView &tag, bool whole);
 
+// The name of one value of an enumeration such as Orientation, or null.
+const char *SettingName(const TagView &tag, int64_t value);
+
 #endif

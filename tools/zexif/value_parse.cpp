@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
@@ -43,11 +44,34 @@ bool AppendInteger(const std::string &text, ParsedValue *value)
     return true;
 }
 
+// A decimal such as 2.8 as the fraction of the fewest decimal places that
+// hold it, up to six: 28/10.
+template <typename T>
+bool DecimalFraction(const std::string &text, T *numerator, T *denominator)
+{
+    if (text.empty() || std::isspace(static_cast<unsigned char>(text[0]))) return false;
+    char *end = nullptr;
+    const double number = std::strtod(text.c_str(), &end);
+    if (*end != '\0' || !std::isfinite(number)) return false;
+    double scale = 1;
+    while (scale < 1e6 && std::fabs(number * scale - std::round(number * scale)) > 1e-9) scale *= 10;
+    const double scaled = std::round(number * scale);
+    if (scaled < double(std::numeric_limits<T>::min()) || scaled > double(std::numeric_limits<T>::max())) return false;
+    *numerator = static_cast<T>(scaled);
+    *denominator = static_cast<T>(scale);
+    return true;
+}
+
 template <typename T>
 bool AppendRational(const std::string &text, ParsedValue *value)
 {
     const size_t slash = text.find('/');
     T numerator, denominator;
+    if (slash == std::string::npos && DecimalFraction(text, &numerator, &denominator)) {
+        Append(numerator, value);
+        Append(denominator, value);
+        return true;
+    }
     if (slash == std::string::npos || !ParseInteger(text.substr(0, slash), &numerator) ||
         !ParseInteger(text.substr(slash + 1), &denominator)) {
         return false;
