@@ -174,21 +174,6 @@ TEST(AudioFiles, SetAudioIsSavedInSegmentsAndReadBack)
     }
 }
 
-// Without an APP1 the audio goes behind APP0; the document counts the
-// audio of its source only.
-TEST(AudioFiles, GoesBehindApp0WithoutApp1)
-{
-    TempDir dir;
-    std::string path = dir.Write("plain.jpg", Jpeg({{0xE0, {'J', 'F', 'I', 'F', 0}}, {0xDB, Bytes(65, 1)}}, {1, 2}));
-    DocPtr doc(zExifLoadFile(path.c_str()));
-    std::string wave = dir.Write("voice.wav", RiffWave(100));
-    ASSERT_EQ(0, zExifSetAudioFile(doc.get(), wave.c_str()));
-    EXPECT_EQ(0, zExifIsAudioExist(doc.get()));
-    ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str()));
-    DocPtr saved(zExifLoadFile(path.c_str()));
-    EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE2, 0xDB, 161, 0xD9}), MarkerCodes(*saved));
-}
-
 // A file to be made under a 16-bit name gets that name, not the one its
 // first byte spells as a narrow string.
 TEST(AudioFiles, AreWrittenUnderSixteenBitNames)

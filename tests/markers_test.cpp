@@ -123,35 +123,4 @@ TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
     EXPECT_EQ(3u, TreeTags(*doc).size());
 }
 
-Bytes TiffWithExif(const Ifd &exif)
-{
-    return Layout({false, {{kMake, OffsetsOf(273, {0}), Long(279, 8), PointerTo(34665, 0)}}, {exif}, {Bytes(8, 1)}});
-}
-
-// Only Exif-table tags go into the Exif IFD; the list is the document's to
-// release once all of it is in, and stays the caller's otherwise.
-TEST(SetTIFExifData, PoursTableTagsIntoTheExifIfd)
-{
-    TempDir dir;
-    std::string from = dir.Write("from.tif", TiffWithExif({Rational(33434, 1, 60), Short(700, 1), Ascii(36867, "2001:01:01 00:00:00")}));
-    std::string into = dir.Write("into.tif", Layout({true, {{kMake, OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 2)}}));
-    ReaderPtr reader(zRExifBeginRead(from.c_str()));
-    TifTagList *list = nullptr;
-    ASSERT_EQ(0, zRExifGetTIFExifData(reader.get(), &list));
-    DocPtr jpeg(zExifLoadFile(dir.Write("photo.jpg", JpegWithSegments()).c_str()));
-    EXPECT_EQ(-1, zExifSetTIFExifData(jpeg.get(), list));
-    DocPtr doc(zExifLoadFile(into.c_str()));
-    ASSERT_EQ(0, zExifSetTIFExifData(doc.get(), list));
-    ASSERT_EQ(0, zExifSaveFile(doc.get(), into.c_str()));
-    std::vector<RawTag> exif;
-    for (const RawTag &t : ReadRaw(ReadFile(into)).tags) {
-        if (t.place == "IFD0/34665") exif.push_back(t);
-    }
-    EXPECT_EQ((std::vector<RawTag>{{"IFD0/34665", 33434, 5, 1, {1, 0, 0, 0, 60, 0, 0, 0}},
-                                   {"IFD0/34665", 36867, 2, 20, Ascii(0, "2001:01:01 00:00:00").value}}),
-              exif);
-    TifTagList *empty = AllocTifTagList(0);
-    EXPECT_EQ(0, zExifSetTIFExifData(doc.get(), empty));
-}
-
 }  // namespace
