@@ -80,9 +80,9 @@ const Failure kFailures[] = {
          dir.Write("target.$#$new", {'n', 'e', 'w'});
          return dir.Path("target.jpg");
      }},
-    {"an Exif block larger than a segment",
+    {"an Exif block one byte larger than a segment holds",
      [](const TempDir &dir, CExifDoc *doc, const std::string &) {
-         Bytes big(65600, 'x');
+         Bytes big(65472, 'x');
          ExifTagValue value = {7, uint32_t(big.size()), big.data()};
          zExifSetTag(doc, 37510, &value, 0);
          return dir.Path("target.jpg");
@@ -112,7 +112,10 @@ TEST(FailedSave, LosesNothing)
     EXPECT_EQ(std::vector<std::string>{"source.jpg"}, dir.List());
     EXPECT_EQ(-1, zExifSaveFile(nullptr, source.c_str()));
     EXPECT_EQ(-1, zExifSaveFile(doc.get(), nullptr));
-    EXPECT_EQ(0, zExifSaveFile(doc.get(), source.c_str()));
+    Bytes largest(65471, 'x');
+    ExifTagValue value = {7, uint32_t(largest.size()), largest.data()};
+    ASSERT_EQ(0, zExifSetTag(doc.get(), 37510, &value, 0));
+    EXPECT_EQ(0, zExifSaveFile(doc.get(), source.c_str())) << "the largest block a segment holds";
 }
 
 // Runs body in a child process: its result, or minus the signal that ended it.

@@ -19,6 +19,8 @@ struct StreamDeleter {
 };
 using StreamPtr = std::unique_ptr<CStreamIO, StreamDeleter>;
 
+const uint32_t kReads[] = {1, 2, 4, 12, 100, 4096, 5000, 70000};
+
 // The reader's file answers every read, seek and end-of-file question as the
 // file stream does, inside its head, its window and beyond.
 TEST(CachedFile, AnswersAsTheFileStreamDoes)
@@ -29,29 +31,34 @@ TEST(CachedFile, AnswersAsTheFileStreamDoes)
         std::mt19937 rng{uint32_t(size)};
         for (uint8_t &b : content) b = uint8_t(rng());
         std::string path = dir.Write("file", content);
-        CStreamIO *raw = nullptr;
-        ASSERT_EQ(1, CreateFileStream(&raw, path.c_str(), STREAM_READ));
-        StreamPtr file(raw);
+        for (bool inMemory : {false, true}) {
+            CStreamIO *raw = nullptr;
+            ASSERT_EQ(1, CreateFileStream(&raw, path.c_str(), STREAM_READ));
+            StreamPtr file(raw);
+            CCachedFileObj cached;
+            if (inMemory) cached.OpenMemory(content.data(), uint32_t(size));
+            if (!inMemory) ASSERT_EQ(1, cached.Open(path.c_str()));
+            if (!inMemory) EXPECT_EQ(0, cached.Open(path.c_str()));
+            // The first steps read across the end of the file.
+            for (int step = 0; step < 400; step++) {
+                std::string what = "size " + std::to_string(size) + " step " + std::to_string(step);
+                if (step == 0 || (step > 1 && rng() % 3 == 0)) {
+                    int whence = step == 0 ? 2 : int(rng() % 3);
+                    int32_t offset = step == 0 ? -10 : int32_t(rng() % (size + 200)) - (whence == 0 ? 50 : int32_t(size / 2 + 100));
+                    ASSERT_EQ(file->Seek(whence, offset), cached.Seek(whence, offset)) << what;
+                } else {
+                    uint32_t n = step == 1 ? 100 : kReads[rng() % 8];
+                    Bytes a(n), b(n);
+                    uint32_t got = file->Read(a.data(), n);
+                    ASSERT_EQ(got, cached.Read(b.data(), n)) << what;
+                    ASSERT_EQ(Bytes(a.begin(), a.begin() + got), Bytes(b.begin(), b.begin() + got)) << what;
+                }
+                ASSERT_EQ(file->Tell(), cached.Tell()) << what;
+                ASSERT_EQ(file->IsEof() != 0, cached.IsEof() != 0) << what;
+            }
+        }
         CCachedFileObj cached;
         ASSERT_EQ(1, cached.Open(path.c_str()));
-        EXPECT_EQ(0, cached.Open(path.c_str()));
-        const uint32_t reads[] = {1, 2, 4, 12, 100, 4096, 5000, 70000};
-        for (int step = 0; step < 400; step++) {
-            std::string what = "size " + std::to_string(size) + " step " + std::to_string(step);
-            if (rng() % 3 == 0) {
-                int whence = int(rng() % 3);
-                int32_t offset = int32_t(rng() % (size + 200)) - (whence == 0 ? 50 : int32_t(size / 2 + 100));
-                ASSERT_EQ(file->Seek(whence, offset), cached.Seek(whence, offset)) << what;
-            } else {
-                uint32_t n = reads[rng() % 8];
-                Bytes a(n), b(n);
-                uint32_t got = file->Read(a.data(), n);
-                ASSERT_EQ(got, cached.Read(b.data(), n)) << what;
-                ASSERT_EQ(Bytes(a.begin(), a.begin() + got), Bytes(b.begin(), b.begin() + got)) << what;
-            }
-            ASSERT_EQ(file->Tell(), cached.Tell()) << what;
-            ASSERT_EQ(file->IsEof() != 0, cached.IsEof() != 0) << what;
-        }
         unsigned char *view = nullptr;
         EXPECT_EQ(size < 10 ? size : 10, cached.HeadView(0, 10, &view));
         if (size > 0) EXPECT_EQ(content[0], view[0]);
