@@ -10,7 +10,7 @@ from .errors import LibraryNotFound
 
 # Value bytes are reached through a char pointer: slicing one copies the bytes
 # into a bytes object several times faster than ctypes.string_at.
-_bytes = ctypes.POINTER(ctypes.c_char)
+CHARS = _bytes = ctypes.POINTER(ctypes.c_char)
 
 
 class ExifTagValue(ctypes.Structure):

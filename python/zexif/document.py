@@ -128,7 +128,7 @@ class Document(MutableMapping):
     def _set_at(self, ident, tag, type_, value):
         count, raw = encode(value, type_)
         buffer = ctypes.create_string_buffer(raw, len(raw))
-        record = _library.ExifTagValue(type_, count, ctypes.cast(buffer, ctypes.c_void_p))
+        record = _library.ExifTagValue(type_, count, ctypes.cast(buffer, _library.CHARS))
         handle = self._live()
         self._ifds.clear()
         if self._lib.c.zExifSetTagAt(handle, ident, tag, ctypes.byref(record)) != 0:
@@ -210,7 +210,7 @@ class Document(MutableMapping):
         if not isinstance(data, (bytes, bytearray, memoryview)) or not len(data):
             raise ArgumentError(ERROR_ARGUMENT, "a thumbnail is the non-empty bytes of a JPEG")
         raw = bytes(data)
-        buffer = _library.ExifBuffer(ctypes.cast(ctypes.c_char_p(raw), ctypes.c_void_p), len(raw))
+        buffer = _library.ExifBuffer(ctypes.cast(ctypes.c_char_p(raw), _library.CHARS), len(raw))
         handle = self._live()
         self._ifds.clear()
         if self._lib.c.zExifSetThumbnailData(handle, ctypes.byref(buffer)) != 0:

@@ -105,7 +105,7 @@ def encode(value, type_):
     """(count, bytes) of a Python value as a value of the TIFF type.
 
     ASCII takes str (written as UTF-8) or bytes, and gets its NUL; UNDEFINED
-    takes bytes; the numeric types take one number or a sequence of them; a
+    takes bytes, or str written as UTF-8 ("0231" for ExifVersion); the numeric types take one number or a sequence of them; a
     rational also takes a (numerator, denominator) pair of ints, a Fraction
     or a float (made the nearest fraction that fits).
     """
@@ -117,6 +117,8 @@ def encode(value, type_):
             return len(raw) + 1, raw + b"\0"
         if type_ == UNDEFINED:
             if isinstance(value, str):
+                value = value.encode("utf-8")
+            if not isinstance(value, (bytes, bytearray, memoryview)):
                 raise TypeError
             raw = bytes(value)
             return len(raw), raw
