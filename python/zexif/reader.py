@@ -13,7 +13,6 @@ from .errors import ERROR_NOT_FOUND, NotFound
 from .values import RATIONAL, SRATIONAL, decode
 
 _MISSING = object()
-_EXIF = _names.IFD_EXIF
 _GPS = _names.IFD_GPS
 _where = _names.where_by_name
 _fsencode = os.fsencode
