@@ -59,6 +59,15 @@ std::vector<std::string> ReaderAnswers(const std::string &path)
     answers.push_back(got != 0 || list == nullptr ? "" : std::to_string(list->count));
     FreeTifTagList(list);
     answers.push_back(zRExifIsAudioExist(reader.get()) ? "audio" : "");
+    // A batch that a failure cut short must say so, not drop a tag.
+    const ExifTagKey keys[] = {{0, 272}, {IFD_EXIF, 33434}, {IFD_GPS, 2}, {IFD_INTEROP, 1}};
+    ExifTagValue values[4] = {};
+    std::string batch = std::to_string(zRExifGetTagsAt(reader.get(), keys, 4, values));
+    for (const ExifTagValue &value : values) {
+        Bytes bytes = ValueBytes(value);
+        batch += ":" + std::to_string(value.type) + std::string(bytes.begin(), bytes.end());
+    }
+    answers.push_back(batch.rfind("-1", 0) == 0 ? "" : batch);
     return answers;
 }
 
