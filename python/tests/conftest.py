@@ -6,7 +6,8 @@ import pytest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.insert(0, os.path.join(ROOT, "python"))
-os.environ.setdefault("ZEXIF_LIBRARY", os.path.join(ROOT, "build", "libzexif.so"))
+# Absolute, for the example's processes, which run in another folder.
+os.environ["ZEXIF_LIBRARY"] = os.path.abspath(os.environ.get("ZEXIF_LIBRARY", os.path.join(ROOT, "build", "libzexif.so")))
 
 SAMPLES = os.environ.get("ZEXIF_SAMPLES", os.path.join(ROOT, "..", "shared", "samples"))
 TOOL = os.path.join(ROOT, "build", "zexif")
