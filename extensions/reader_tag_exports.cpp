@@ -12,13 +12,10 @@
 
 namespace {
 
-// The first entry of that number in the IFD at offset, read as a list item.
+// The first entry of that number in an IFD's table, read as a list item.
 // Null when there is none, or its value doesn't lie within the data.
-TifTagItem *ReadItemAt(ReaderTiff *tiff, int32_t offset, uint32_t tag)
+TifTagItem *ReadItemIn(ReaderTiff *tiff, const IfdTable &table, uint32_t tag)
 {
-    tiff->m_stream->Seek(0, offset);
-    int32_t count = ReadEntryCount(tiff->m_stream, tiff->m_bigEndian);
-    IfdTable table(tiff->m_stream, count, 0);
     if (table.Bytes() == nullptr) return nullptr;
     uint32_t whole = table.Got() / IFD_ENTRY_SIZE;
     for (uint32_t i = 0; i < whole; i++) {
@@ -31,8 +28,9 @@ TifTagItem *ReadItemAt(ReaderTiff *tiff, int32_t offset, uint32_t tag)
 }
 
 // Tags looked up in a row: the TIFF data is opened for the first tag that
-// isn't kept yet, and the IFD last looked in stays located, so that a run of
-// tags of one IFD costs one open and one walk to it.
+// isn't kept yet, and the table of the IFD last looked in is kept at hand, so
+// that a run of tags of one IFD costs one open, one walk to the IFD and one
+// read of its table.
 class CTagLookup {
 public:
     explicit CTagLookup(CExifReader *reader) : m_reader(reader) {}
@@ -46,34 +44,37 @@ public:
     const TifTagItem *Find(int ifd, uint32_t tag);
 
 private:
-    int32_t OffsetOf(int ifd);
+    const IfdTable &TableOf(int ifd);
 
     CExifReader *m_reader;
     ReaderTiff m_tiff;
+    IfdTable m_table;
     int m_opened = 0;
     int m_ifd = -1;
-    int32_t m_offset = 0;
 };
 
 const TifTagItem *CTagLookup::Find(int ifd, uint32_t tag)
 {
     const TifTagItem *kept = FindTagAt(m_reader, ifd, tag);
     if (kept != nullptr) return kept;
-    int32_t offset = OffsetOf(ifd);
-    TifTagItem *item = offset > 0 ? ReadItemAt(&m_tiff, offset, tag) : nullptr;
+    TifTagItem *item = ReadItemIn(&m_tiff, TableOf(ifd), tag);
     return item != nullptr && KeepTagAt(m_reader, ifd, item) ? item : nullptr;
 }
 
-// 0 for an IFD the data doesn't have, or a reader without TIFF data.
-int32_t CTagLookup::OffsetOf(int ifd)
+// No bytes for an IFD the data doesn't have, or a reader without TIFF data.
+const IfdTable &CTagLookup::TableOf(int ifd)
 {
     if (m_opened == 0) m_opened = OpenReaderTiff(m_reader, &m_tiff) ? 1 : -1;
-    if (m_opened < 0) return 0;
-    if (ifd != m_ifd) {
-        m_ifd = ifd;
-        m_offset = LocateIfd(&m_tiff, ifd);
+    if (m_opened < 0 || ifd == m_ifd) return m_table;
+    m_ifd = ifd;
+    int32_t offset = LocateIfd(&m_tiff, ifd);
+    int32_t count = 0;
+    if (offset > 0) {
+        m_tiff.m_stream->Seek(0, offset);
+        count = ReadEntryCount(m_tiff.m_stream, m_tiff.m_bigEndian);
     }
-    return m_offset;
+    m_table.Load(m_tiff.m_stream, count, 0);
+    return m_table;
 }
 
 void Deliver(const TifTagItem *item, ExifTagValue *out)
