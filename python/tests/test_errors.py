@@ -72,10 +72,12 @@ def test_closed_handles_refuse_and_close_once():
     for make in (zexif.read, zexif.open):
         with pytest.raises(RuntimeError):
             with make(JPEG) as handle:
+                # What a view has fetched goes with its reader.
+                handle.get("Make")
                 raise RuntimeError
         assert handle.closed
         handle.close()
-        for use in (lambda: handle["Make"], lambda: handle.thumbnail, lambda: dict(handle.tags)):
+        for use in (lambda: handle["Make"], lambda: handle["Artist"], lambda: handle.thumbnail, lambda: dict(handle.tags)):
             with pytest.raises(zexif.ArgumentError):
                 use()
 

@@ -17,6 +17,10 @@ class ExifTagValue(ctypes.Structure):
     _fields_ = [("type", ctypes.c_uint32), ("count", ctypes.c_uint32), ("data", _bytes)]
 
 
+class ExifTagKey(ctypes.Structure):
+    _fields_ = [("ifd", ctypes.c_int32), ("tag", ctypes.c_uint32)]
+
+
 class ExifBuffer(ctypes.Structure):
     _fields_ = [("data", _bytes), ("size", ctypes.c_uint32)]
 
@@ -57,6 +61,7 @@ _PROTOTYPES = {
     "zRExifEndRead": (None, [_handle]),
     "zRExifGetFileFormat": (_int, [_handle]),
     "zRExifGetTagAt": (_int, [_handle, _int, _u32, _value]),
+    "zRExifGetTagsAt": (_int, [_handle, ctypes.POINTER(ExifTagKey), ctypes.c_int32, _value]),
     "zRExifGetTagList": (_int, [_handle, _int, _list_out]),
     "zRExifIsThumbnailExist": (_int, [_handle]),
     "zRExifGetThumbnailData": (_int, [_handle, _buffer]),
@@ -75,11 +80,13 @@ _PROTOTYPES = {
 }
 
 # The calls of the reader's common path go without argument types, whose
-# conversions cost more than the calls; the tag lookup holds the GIL, as it
-# takes less time than giving the GIL up and taking it back, and so does the
-# end of a reader; the open reads the file and lets other threads run.
+# conversions cost more than the calls; the tag lookups hold the GIL, as even
+# a batch of them takes no longer than giving the GIL up and taking it back,
+# and so does the end of a reader; the open reads the file and lets other
+# threads run.
 _FAST = {"zRExifBeginRead": Handle}
-_FAST_HOLDING_GIL = {"zRExifEndRead": None, "zRExifGetTagAt": _int, "zExifGetLastError": _int}
+_FAST_HOLDING_GIL = {"zRExifEndRead": None, "zRExifGetTagAt": _int, "zRExifGetTagsAt": _int,
+                     "zExifGetLastError": _int}
 
 
 class Library:

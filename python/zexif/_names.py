@@ -17,8 +17,6 @@ IFD_LABELS = {IFD_EXIF: "exif", IFD_GPS: "gps", IFD_INTEROP: "interop"}
 MAIN_IFDS = (0, IFD_EXIF, IFD_GPS)
 
 _by_name = {}
-# (IFD id, tag number) of the names asked for so far, for the reader's common path.
-where_by_name = {}
 _by_number = {}
 
 
@@ -46,7 +44,6 @@ def find(name):
                 name.encode("utf-8", "replace"), ifd, tag, type_) != 0:
             raise NotFound(ERROR_NOT_FOUND, "no tag is named %r" % (name,))
         found = _by_name[name] = (ifd.value, tag.value, type_.value)
-        where_by_name[name] = found[:2]
     return found
 
 

@@ -42,6 +42,7 @@ class Document(MutableMapping):
         """Drops the document and whatever edits were not saved; closing
         twice is harmless."""
         handle, self._handle = self._handle, None
+        self._ifds.clear()
         if handle:
             self._lib.c.zExifDestroy(handle)
 

@@ -11,15 +11,16 @@ SECONDS_DENOMINATOR = 10000
 ALTITUDE_DENOMINATOR = 1000
 
 
-def degrees(parts, reference):
-    """Decimal degrees of up to three (numerator, denominator) pairs of
-    degrees, minutes and seconds, negative for an "S" or "W" reference; None
-    where a part has a denominator of 0 or there is no part."""
-    if not parts:
+def degrees(numbers, reference):
+    """Decimal degrees of up to three rationals of degrees, minutes and
+    seconds, each numerator followed by its denominator, negative for an "S"
+    or "W" reference; None where a part has a denominator of 0 or there is no
+    part."""
+    if len(numbers) < 2:
         return None
     total = 0.0
     scale = 1.0
-    for numerator, denominator in parts[:3]:
+    for numerator, denominator in zip(numbers[0:6:2], numbers[1:6:2]):
         if not denominator:
             return None
         total += numerator / denominator / scale

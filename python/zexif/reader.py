@@ -2,32 +2,47 @@
 
 import ctypes
 import datetime as _datetime
-import os
 import struct
+import sys
 from fractions import Fraction as _Fraction
 from collections.abc import Mapping
 
 from . import _library, _names, gps as _gps
 from ._common import FORMATS, closed, failure, keyed, merged, source_of, tag_list
 from .errors import ERROR_NOT_FOUND, NotFound
-from .values import RATIONAL, SRATIONAL, decode
+from .values import RATIONAL, SRATIONAL, decode, number_format
 
 _MISSING = object()
-_GPS = _names.IFD_GPS
-_where = _names.where_by_name
-_fsencode = os.fsencode
+_EXIF, _GPS = _names.IFD_EXIF, _names.IFD_GPS
+# os.fsencode, without its calls.
+_FS_ENCODING, _FS_ERRORS = sys.getfilesystemencoding(), sys.getfilesystemencodeerrors()
 # The library's functions of the common path, bound on first use.
-_lib = _begin_read = _end_read = _tag_at = _last_error = None
+_lib = _begin_read = _end_read = _tag_at = _tags_at = _last_error = None
 _byref = ctypes.byref
+_Value = _library.ExifTagValue
+
+# The tags most callers want, with those that gps, orientation and
+# datetime_original read: a view fetches them all in one call at its first
+# lookup of one of them, a call's cost being much more than a tag's. They go
+# by IFD, as the library walks to an IFD once for a run of its tags.
+_COMMON = ((0, 271), (0, 272), (0, 274), (0, 306), (0, 315), (0, 33432),
+           (_EXIF, 33434), (_EXIF, 33437), (_EXIF, 34855), (_EXIF, 36867), (_EXIF, 36868), (_EXIF, 36881),
+           (_EXIF, 37386), (_EXIF, 37521), (_EXIF, 42036)) + tuple((_GPS, tag) for tag in range(7))
+_SLOT = {key: index for index, key in enumerate(_COMMON)}
+_COUNT = len(_COMMON)
+_KEYS = (_library.ExifTagKey * _COUNT)(*_COMMON)
+_COMMON_VALUES = _Value * _COUNT
+_LATITUDE, _LONGITUDE, _ALTITUDE = _SLOT[_GPS, 2], _SLOT[_GPS, 4], _SLOT[_GPS, 6]
+# (IFD id, tag number, index in _COMMON or None) of the names asked for so far.
+_places = {}
 _unpack = struct.unpack
-# Some cameras write the coordinates as SRATIONAL.
-_RATIONALS = {RATIONAL: "=%dI", SRATIONAL: "=%di"}
 
 
 def _bind():
-    global _lib, _begin_read, _end_read, _tag_at, _last_error
+    global _lib, _begin_read, _end_read, _tag_at, _tags_at, _last_error
     _lib = _library.load()
     _end_read, _tag_at, _last_error = _lib.zRExifEndRead, _lib.zRExifGetTagAt, _lib.zExifGetLastError
+    _tags_at = _lib.zRExifGetTagsAt
     _begin_read = _lib.zRExifBeginRead
 
 
@@ -48,16 +63,16 @@ class Metadata(Mapping):
     closed too.
     """
 
-    __slots__ = ("_handle", "_keep", "_value", "_ref", "path", "__weakref__")
+    __slots__ = ("_handle", "_keep", "_common", "path", "__weakref__")
 
     def __init__(self, source):
-        self._handle = None
+        self._handle = self._common = None
         if _begin_read is None:
             _bind()
         if source.__class__ is str:
             self.path = source
             self._keep = None
-            handle = _begin_read(_fsencode(source))
+            handle = _begin_read(source.encode(_FS_ENCODING, _FS_ERRORS))
         else:
             path, data = source_of(source)
             self.path = source if path is not None else None
@@ -66,8 +81,6 @@ class Metadata(Mapping):
             handle = _begin_read(path) if path is not None else _lib.c.zRExifBeginReadMemory(data, len(data))
         if not handle:
             raise failure(_lib, self.path)
-        self._value = value = _library.ExifTagValue()
-        self._ref = _byref(value)
         self._handle = handle
 
     # -- life ---------------------------------------------------------------
@@ -76,7 +89,7 @@ class Metadata(Mapping):
         """Ends the reader; closing twice is harmless."""
         handle = self._handle
         if handle:
-            self._handle = None
+            self._handle = self._common = None
             _end_read(handle)
         self._keep = None
 
@@ -86,7 +99,7 @@ class Metadata(Mapping):
     def __exit__(self, kind, problem, trace):
         handle = self._handle
         if handle:
-            self._handle = None
+            self._handle = self._common = None
             _end_read(handle)
 
     def __del__(self):
@@ -110,11 +123,39 @@ class Metadata(Mapping):
             raise failure(_lib, self.path)
         return default
 
+    def _fetch_common(self):
+        """The values of _COMMON. They point into the reader, so a view
+        drops them when it ends the reader."""
+        if not self._handle:
+            raise closed()
+        values = _COMMON_VALUES()
+        if _tags_at(self._handle, _KEYS, _COUNT, values) < 0:
+            raise failure(_lib, self.path)
+        self._common = values
+        return values
+
+    def _single(self, ifd, tag):
+        """The library's value of a tag outside _COMMON, undecoded; None where
+        the file has no such tag."""
+        value = _Value()
+        if _tag_at(self._handle, ifd, tag, _byref(value)):
+            return self._missing(None)
+        return value
+
+    def _raw(self, ifd, tag):
+        """The library's value of a tag, undecoded; None where the file has
+        no such tag."""
+        slot = _SLOT.get((ifd, tag))
+        if slot is None:
+            return self._single(ifd, tag)
+        values = self._common
+        value = (values if values is not None else self._fetch_common())[slot]
+        # A tag that isn't there comes as {0, 0, NULL}.
+        return value if value.type or value.count else None
+
     def _at(self, ifd, tag, default):
-        if _tag_at(self._handle, ifd, tag, self._ref):
-            return self._missing(default)
-        value = self._value
-        return decode(value.type, value.count, value.data)
+        value = self._raw(ifd, tag)
+        return default if value is None else decode(value.type, value.count, value.data)
 
     def _number(self, tag, default):
         """A tag by number: the first of IFD 0, Exif, GPS where it has no name."""
@@ -128,19 +169,27 @@ class Metadata(Mapping):
         return default
 
     def get(self, key, default=None):
-        # The common path of the package: one library call, and the common
-        # types decoded here rather than in a call of their own.
-        where = _where.get(key)
-        if where is None:
+        # The common path of the package: _raw and the common types decoded
+        # here rather than in calls of their own.
+        place = _places.get(key)
+        if place is None:
             if key.__class__ is not str:
                 return self._number(key, default)
             try:
-                where = _names.find(key)[:2]
+                ifd, tag = _names.find(key)[:2]
             except NotFound:
                 return default
-        if _tag_at(self._handle, where[0], where[1], self._ref):
-            return self._missing(default)
-        value = self._value
+            place = _places[key] = (ifd, tag, _SLOT.get((ifd, tag)))
+        slot = place[2]
+        if slot is None:
+            value = self._single(place[0], place[1])
+            if value is None:
+                return default
+        else:
+            values = self._common
+            value = (values if values is not None else self._fetch_common())[slot]
+            if not value.type and not value.count:
+                return default
         type_ = value.type
         if type_ == 2:
             raw = value.data[:value.count].partition(b"\0")[0]
@@ -236,17 +285,16 @@ class Metadata(Mapping):
         return _parse_datetime(self.get("DateTimeOriginal"), self.get("SubSecTimeOriginal"),
                                self.get("OffsetTimeOriginal"))
 
-    def _rationals(self, tag):
-        """The (numerator, denominator) pairs of a rational tag of the GPS
-        IFD, or None."""
-        if _tag_at(self._handle, _GPS, tag, self._ref):
+    def _rationals(self, slot):
+        """The numbers of a rational tag of the GPS IFD by its index in
+        _COMMON, each numerator followed by its denominator, or None. Some
+        cameras write the coordinates as SRATIONAL."""
+        values = self._common
+        value = (values if values is not None else self._fetch_common())[slot]
+        type_, count = value.type, value.count
+        if (type_ != RATIONAL and type_ != SRATIONAL) or not count or not value.data:
             return None
-        value = self._value
-        count = value.count
-        if value.type not in _RATIONALS or not count or not value.data:
-            return None
-        numbers = _unpack(_RATIONALS[value.type] % (2 * count), value.data[:8 * count])
-        return list(zip(numbers[0::2], numbers[1::2]))
+        return _unpack(number_format(type_, count), value.data[:8 * count])
 
     @property
     def gps(self):
@@ -254,28 +302,23 @@ class Metadata(Mapping):
         south and west, and metres above sea level, negative below it; the
         altitude None where the file has none. None where the file has no
         usable latitude and longitude."""
-        # Most files have no GPS IFD: one call tells.
-        if _tag_at(self._handle, _GPS, 2, self._ref):
-            if not self._handle:
-                raise closed()
-            return None
-        latitude = self._rationals(2)
+        latitude = self._rationals(_LATITUDE)
         if latitude is None:
             return None
-        longitude = self._rationals(4)
+        longitude = self._rationals(_LONGITUDE)
         if longitude is None:
             return None
-        lat = _gps.degrees(latitude, self._at(_GPS, 1, None))
-        lon = _gps.degrees(longitude, self._at(_GPS, 3, None))
+        lat = _gps.degrees(latitude, self.get("GPSLatitudeRef"))
+        lon = _gps.degrees(longitude, self.get("GPSLongitudeRef"))
         if lat is None or lon is None:
             return None
-        height = self._rationals(6)
+        height = self._rationals(_ALTITUDE)
         alt = None
         if height is not None:
-            reference = self._at(_GPS, 5, None)
+            reference = self.get("GPSAltitudeRef")
             if isinstance(reference, tuple):
                 reference = reference[0] if reference else None
-            alt = _gps.altitude(height[0], reference)
+            alt = _gps.altitude(height[:2], reference)
         return lat, lon, alt
 
     def __repr__(self):

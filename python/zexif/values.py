@@ -32,7 +32,9 @@ _unpack = struct.unpack
 _formats = {}
 
 
-def _format(type_, count):
+def number_format(type_, count):
+    """The struct format of count values of a numeric type, in host order;
+    a rational's numerator and denominator are two numbers."""
     key = (type_, count)
     found = _formats.get(key)
     if found is None:
@@ -69,10 +71,10 @@ def decode(type_, count, data):
         return ()
     if count == 1:
         if type_ == RATIONAL or type_ == SRATIONAL:
-            numerator, denominator = _unpack(_format(type_, 1), data[:8])
+            numerator, denominator = _unpack(number_format(type_, 1), data[:8])
             return Fraction(numerator, denominator) if denominator else None
-        return _unpack(_format(type_, 1), data[:layout[0]])[0]
-    numbers = _unpack(_format(type_, count), data[:layout[0] * count])
+        return _unpack(number_format(type_, 1), data[:layout[0]])[0]
+    numbers = _unpack(number_format(type_, count), data[:layout[0] * count])
     if type_ == RATIONAL or type_ == SRATIONAL:
         return tuple(map(_fraction, numbers[0::2], numbers[1::2]))
     return numbers
@@ -140,7 +142,7 @@ def encode(value, type_):
             numbers = [int(item) for item in items]
         if type_ in _RANGES:
             _check_range(numbers, type_)
-        return len(items), struct.pack(_format(type_, len(items)), *numbers)
+        return len(items), struct.pack(number_format(type_, len(items)), *numbers)
     except TypeError:
         raise ArgumentError(ERROR_ARGUMENT, "%r is no value for a %s tag"
                             % (value, TYPE_NAMES.get(type_, type_))) from None
