@@ -43,8 +43,9 @@ int32_t PointedIfd(ReaderTiff *tiff, int32_t offset, uint32_t pointer)
     uint32_t whole = table.Got() / IFD_ENTRY_SIZE;
     for (uint32_t i = 0; i < whole; i++) {
         const unsigned char *p = table.Bytes() + i * IFD_ENTRY_SIZE;
+        if (ReadU16(p, tiff->m_bigEndian) != pointer) continue;
         IfdEntry entry = DecodeEntry(p, tiff->m_bigEndian);
-        if (entry.tag != pointer || !IsIfdPointer(entry.type, entry.count)) continue;
+        if (!IsIfdPointer(entry.type, entry.count)) continue;
         return static_cast<int32_t>(EntryNumber(EntryField(p), entry.type, entry.count, tiff->m_bigEndian));
     }
     return 0;

@@ -6,39 +6,75 @@
 #include "reader/tag_slots.h"
 #include "reader/tag_value.h"
 #include "reader/tif_tag_list.h"
+#include "streams/byte_order.h"
 #include "streams/stream.h"
 #include "zexif.h"
 
 namespace {
 
-// The first entry of that number in the IFD at offset, read as a list item.
+// The first entry of that number in an IFD's table, read as a list item.
 // Null when there is none, or its value doesn't lie within the data.
-TifTagItem *ReadItemAt(ReaderTiff *tiff, int32_t offset, uint32_t tag)
+TifTagItem *ReadItemIn(ReaderTiff *tiff, const IfdTable &table, uint32_t tag)
 {
-    tiff->m_stream->Seek(0, offset);
-    int32_t count = ReadEntryCount(tiff->m_stream, tiff->m_bigEndian);
-    IfdTable table(tiff->m_stream, count, 0);
     if (table.Bytes() == nullptr) return nullptr;
     uint32_t whole = table.Got() / IFD_ENTRY_SIZE;
     for (uint32_t i = 0; i < whole; i++) {
         const unsigned char *p = table.Bytes() + i * IFD_ENTRY_SIZE;
-        if (DecodeEntry(p, tiff->m_bigEndian).tag != tag) continue;
+        if (ReadU16(p, tiff->m_bigEndian) != tag) continue;
         TifTagItem *item = nullptr;
         return ReadTifTagItem(tiff->m_bigEndian, tiff->m_stream, p, &item) == ITEM_ADDED ? item : nullptr;
     }
     return nullptr;
 }
 
-TifTagItem *ReadTagAt(CExifReader *reader, int ifd, uint32_t tag)
+// Tags looked up in a row: the TIFF data is opened for the first tag that
+// isn't kept yet, and the table of the IFD last looked in is kept at hand, so
+// that a run of tags of one IFD costs one open, one walk to the IFD and one
+// read of its table.
+class CTagLookup {
+public:
+    explicit CTagLookup(CExifReader *reader) : m_reader(reader) {}
+    ~CTagLookup() { CloseReaderTiff(&m_tiff); }
+    CTagLookup(const CTagLookup &) = delete;
+    CTagLookup &operator=(const CTagLookup &) = delete;
+
+    // The tag's item, read and kept with its IFD when first asked for, so
+    // that it is read once and the pointer handed out stays valid. Null when
+    // there is none, or when memory runs out (noted).
+    const TifTagItem *Find(int ifd, uint32_t tag);
+
+private:
+    const IfdTable &TableOf(int ifd);
+
+    CExifReader *m_reader;
+    ReaderTiff m_tiff;
+    IfdTable m_table;
+    int m_opened = 0;
+    int m_ifd = -1;
+};
+
+const TifTagItem *CTagLookup::Find(int ifd, uint32_t tag)
 {
-    ReaderTiff tiff;
-    TifTagItem *item = nullptr;
-    if (OpenReaderTiff(reader, &tiff)) {
-        int32_t offset = LocateIfd(&tiff, ifd);
-        if (offset > 0) item = ReadItemAt(&tiff, offset, tag);
+    const TifTagItem *kept = FindTagAt(m_reader, ifd, tag);
+    if (kept != nullptr) return kept;
+    TifTagItem *item = ReadItemIn(&m_tiff, TableOf(ifd), tag);
+    return item != nullptr && KeepTagAt(m_reader, ifd, item) ? item : nullptr;
+}
+
+// No bytes for an IFD the data doesn't have, or a reader without TIFF data.
+const IfdTable &CTagLookup::TableOf(int ifd)
+{
+    if (m_opened == 0) m_opened = OpenReaderTiff(m_reader, &m_tiff) ? 1 : -1;
+    if (m_opened < 0 || ifd == m_ifd) return m_table;
+    m_ifd = ifd;
+    int32_t offset = LocateIfd(&m_tiff, ifd);
+    int32_t count = 0;
+    if (offset > 0) {
+        m_tiff.m_stream->Seek(0, offset);
+        count = ReadEntryCount(m_tiff.m_stream, m_tiff.m_bigEndian);
     }
-    CloseReaderTiff(&tiff);
-    return item;
+    m_table.Load(m_tiff.m_stream, count, 0);
+    return m_table;
 }
 
 void Deliver(const TifTagItem *item, ExifTagValue *out)
@@ -50,20 +86,35 @@ void Deliver(const TifTagItem *item, ExifTagValue *out)
 
 }  // namespace
 
-// A value once found is kept with its IFD, so that it is read once and the
-// pointer handed out stays valid.
 int zRExifGetTagAt(CExifReader *reader, int ifd, uint32_t tag, ExifTagValue *out)
 {
     BeginExport();
     if (reader == nullptr || out == nullptr || !IsIfdId(ifd)) return FailExport(ZEXIF_ERROR_ARGUMENT);
-    const TifTagItem *kept = FindTagAt(reader, ifd, tag);
-    if (kept == nullptr) {
-        TifTagItem *item = ReadTagAt(reader, ifd, tag);
-        if (item == nullptr || !KeepTagAt(reader, ifd, item)) return FailExport(ZEXIF_ERROR_NOT_FOUND);
-        kept = item;
-    }
-    Deliver(kept, out);
+    const TifTagItem *item = CTagLookup(reader).Find(ifd, tag);
+    if (item == nullptr) return FailExport(ZEXIF_ERROR_NOT_FOUND);
+    Deliver(item, out);
     return 0;
+}
+
+// A tag that isn't there is an answer; only a failure that may have hidden a
+// tag fails the call.
+int zRExifGetTagsAt(CExifReader *reader, const ExifTagKey *keys, int32_t count, ExifTagValue *out)
+{
+    BeginExport();
+    if (reader == nullptr || count < 0 || (count > 0 && (keys == nullptr || out == nullptr))) {
+        return FailExport(ZEXIF_ERROR_ARGUMENT);
+    }
+    CTagLookup lookup(reader);
+    int found = 0;
+    for (int32_t i = 0; i < count; i++) {
+        const TifTagItem *item = IsIfdId(keys[i].ifd) ? lookup.Find(keys[i].ifd, keys[i].tag) : nullptr;
+        out[i] = ExifTagValue{0, 0, nullptr};
+        if (item == nullptr) continue;
+        Deliver(item, &out[i]);
+        found++;
+    }
+    if (NotedFailure() != ZEXIF_ERROR_NONE) return FailExport(ZEXIF_ERROR_MEMORY);
+    return found;
 }
 
 // An IFD without entries or whose table is cut off counts as none.

@@ -198,6 +198,16 @@ ZEXIF_API int zExifGetTagList(CExifDoc *doc, int ifd, TifTagList **out);
 /* out->data stays the reader's until zRExifEndRead; asking again gives the
  * same pointer. */
 ZEXIF_API int zRExifGetTagAt(CExifReader *reader, int ifd, uint32_t tag, ExifTagValue *out);
+typedef struct ExifTagKey {
+    int32_t ifd;
+    uint32_t tag;
+} ExifTagKey;
+/* Looks up count tags at once, each as zRExifGetTagAt would; out[i] is
+ * {0, 0, NULL} for a tag that isn't there or an IFD id that names none.
+ * Returns the number of tags found, -1 for a null reader, a null array with
+ * count > 0, a negative count, or a lookup that ran out of memory or failed
+ * to read the file (the last error tells which). */
+ZEXIF_API int zRExifGetTagsAt(CExifReader *reader, const ExifTagKey *keys, int32_t count, ExifTagValue *out);
 /* Release with zExifFreeTagList. */
 ZEXIF_API int zRExifGetTagList(CExifReader *reader, int ifd, TifTagList **out);
 

@@ -40,6 +40,11 @@ int LastError()
     return t_lastError;
 }
 
+int NotedFailure()
+{
+    return t_noted;
+}
+
 int RefuseNullHandle()
 {
     t_lastError = ZEXIF_ERROR_ARGUMENT;

@@ -26,6 +26,9 @@ int FailExport(int code);
 
 int LastError();
 
+// The reason noted in the call under way, ZEXIF_ERROR_NONE while none is.
+int NotedFailure();
+
 // A query given a null handle: records an argument error and returns 0, the
 // answer such a query gives.
 int RefuseNullHandle();

@@ -11,8 +11,10 @@ int32_t ReadEntryCount(CStreamIO *stream, int bigEndian)
     return static_cast<int16_t>(ReadU16(bytes, bigEndian));
 }
 
-IfdTable::IfdTable(CStreamIO *stream, int32_t count, uint32_t extra)
+void IfdTable::Load(CStreamIO *stream, int32_t count, uint32_t extra)
 {
+    m_bytes = nullptr;
+    m_got = 0;
     if (count < 1) return;
     uint32_t size = static_cast<uint32_t>(count) * IFD_ENTRY_SIZE + extra;
     m_bytes = m_buffer.Reserve(size);

@@ -16,7 +16,11 @@ int32_t ReadEntryCount(CStreamIO *stream, int bigEndian);
 // allocation; a larger table takes 393,220 bytes at most.
 class IfdTable {
 public:
-    IfdTable(CStreamIO *stream, int32_t count, uint32_t extra);
+    IfdTable() = default;
+    IfdTable(CStreamIO *stream, int32_t count, uint32_t extra) { Load(stream, count, extra); }
+
+    // Reads a table in place of the one held.
+    void Load(CStreamIO *stream, int32_t count, uint32_t extra);
 
     // Null for a count below 1 or no memory.
     const unsigned char *Bytes() const { return m_bytes; }

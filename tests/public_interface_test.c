@@ -78,6 +78,26 @@ static void CompareIfd(const char *path, CExifDoc *doc, CExifReader *reader, con
     }
 }
 
+/* The tags the Python package asks for at once, and ids that name no IFD,
+ * as zRExifGetTagAt answers them one by one: the same pointers, and the
+ * values it keeps are those CompareFamilies then checks against the tree. */
+static void CompareBatch(const char *path, CExifReader *reader)
+{
+    static const ExifTagKey KEYS[] = {{0, 271}, {0, 272}, {0, 306}, {0, 274}, {0, 33432}, {IFD_EXIF, 36867},
+                                      {IFD_EXIF, 33434}, {IFD_EXIF, 37386}, {IFD_EXIF, 42036}, {IFD_GPS, 0},
+                                      {IFD_GPS, 1}, {IFD_GPS, 2}, {IFD_GPS, 6}, {IFD_INTEROP, 1}, {-1, 271},
+                                      {IFD_INTEROP + 1, 1}};
+    ExifTagValue out[sizeof KEYS / sizeof KEYS[0]], one;
+    int i, found = 0, got = zRExifGetTagsAt(reader, KEYS, sizeof KEYS / sizeof KEYS[0], out);
+    for (i = 0; i < (int)(sizeof KEYS / sizeof KEYS[0]); i++) {
+        int there = zRExifGetTagAt(reader, KEYS[i].ifd, KEYS[i].tag, &one) == 0;
+        found += there;
+        CHECK(there ? out[i].type == one.type && out[i].count == one.count && out[i].data == one.data
+                    : out[i].type == 0 && out[i].count == 0 && out[i].data == NULL, path);
+    }
+    CHECK(got == found, path);
+}
+
 static void CompareFamilies(const char *path, CExifDoc *doc, CExifReader *reader)
 {
     static const int SUB_IFDS[] = {IFD_EXIF, IFD_GPS, IFD_INTEROP};
@@ -129,6 +149,7 @@ static int CheckSample(const char *path, const struct stat *info, int kind, stru
     reader = zRExifBeginRead(path);
     CHECK(doc != NULL && reader != NULL, path);
     if (doc != NULL && reader != NULL) {
+        CompareBatch(path, reader);
         CompareFamilies(path, doc, reader);
         CompareMemory(path, doc);
     }
@@ -193,6 +214,34 @@ static void EditPhoto(const char *photo)
     zRExifEndRead(reader);
     zExifDestroy(doc);
     free(bytes);
+}
+
+/* A JPEG of no metadata gets its APP1, IFD 0 and GPS IFD through memory; a
+ * TIFF gets no IFD that it would hold no image for. */
+static void EditBareFiles(void)
+{
+    static const unsigned char JPEG[] = {0xFF, 0xD8, 0xFF, 0xDB, 0, 3, 0, 0xFF, 0xD9};
+    static const unsigned char TIFF[] = {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
+    uint32_t altitude[2] = {1234, 10};
+    ExifTagValue value = {5, 1, altitude};
+    ExifTagKey key = {0, 271};
+    ExifBuffer saved = {NULL, 0};
+    CExifDoc *jpeg = zExifLoadMemory(JPEG, sizeof JPEG), *tiff = zExifLoadMemory(TIFF, sizeof TIFF);
+    CExifReader *bare = zRExifBeginReadMemory(JPEG, sizeof JPEG), *edited;
+    EXPECT_ERROR(zRExifGetTagAt(bare, 0, 271, &value) == -1, ZEXIF_ERROR_NOT_FOUND);
+    CompareBatch("a JPEG of no metadata", bare);
+    CHECK(zRExifGetTagsAt(bare, NULL, 0, NULL) == 0, "no keys");
+    EXPECT_ERROR(zRExifGetTagsAt(NULL, &key, 1, &value) == -1 && zRExifGetTagsAt(bare, NULL, 1, &value) == -1, ZEXIF_ERROR_ARGUMENT);
+    EXPECT_ERROR(zRExifGetTagsAt(bare, &key, 1, NULL) == -1 && zRExifGetTagsAt(bare, &key, -1, &value) == -1, ZEXIF_ERROR_ARGUMENT);
+    CHECK(zExifSetTagAt(jpeg, IFD_GPS, 6, &value) == 0 && zExifSaveMemory(jpeg, &saved) == 0, "GPS into a bare JPEG");
+    edited = zRExifBeginReadMemory(saved.data, saved.size);
+    CHECK(zRExifGetTagAt(edited, IFD_GPS, 6, &value) == 0 && SameValue(5, 1, altitude, value.data), "GPS read back");
+    EXPECT_ERROR(zExifSetTagAt(tiff, 1, 305, &value) == -1, ZEXIF_ERROR_FORMAT);
+    zRExifEndRead(edited);
+    zRExifEndRead(bare);
+    zExifFreeBuffer(&saved);
+    zExifDestroy(tiff);
+    zExifDestroy(jpeg);
 }
 
 /* AddressSanitizer holds more address space than any limit would leave. */
@@ -295,6 +344,7 @@ int main(void)
     if (mkdtemp(g_scratch) == NULL) return 2;
     if (nftw(samples, CheckSample, 16, FTW_PHYS) != 0) printf("no real camera files at %s\n", samples);
     EditPhoto(ZEXIF_SAMPLE_JPEG);
+    EditBareFiles();
     CheckErrors(ZEXIF_SAMPLE_JPEG);
     CheckNames();
     nftw(g_scratch, RemoveScratch, 16, FTW_DEPTH | FTW_PHYS);
