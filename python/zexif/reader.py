@@ -171,26 +171,28 @@ class Metadata(Mapping):
     def get(self, key, default=None):
         # The common path of the package: _raw and the common types decoded
         # here rather than in calls of their own.
-        place = _places.get(key)
-        if place is None:
+        try:
+            ifd, tag, slot = _places[key]
+        except KeyError:
             if key.__class__ is not str:
                 return self._number(key, default)
             try:
                 ifd, tag = _names.find(key)[:2]
             except NotFound:
                 return default
-            place = _places[key] = (ifd, tag, _SLOT.get((ifd, tag)))
-        slot = place[2]
+            slot = _SLOT.get((ifd, tag))
+            _places[key] = ifd, tag, slot
         if slot is None:
-            value = self._single(place[0], place[1])
+            value = self._single(ifd, tag)
             if value is None:
                 return default
+            type_ = value.type
         else:
             values = self._common
             value = (values if values is not None else self._fetch_common())[slot]
-            if not value.type and not value.count:
+            type_ = value.type
+            if not type_ and not value.count:
                 return default
-        type_ = value.type
         if type_ == 2:
             raw = value.data[:value.count].partition(b"\0")[0]
             try:
@@ -285,34 +287,26 @@ class Metadata(Mapping):
         return _parse_datetime(self.get("DateTimeOriginal"), self.get("SubSecTimeOriginal"),
                                self.get("OffsetTimeOriginal"))
 
-    def _rationals(self, slot):
-        """The numbers of a rational tag of the GPS IFD by its index in
-        _COMMON, each numerator followed by its denominator, or None. Some
-        cameras write the coordinates as SRATIONAL."""
-        values = self._common
-        value = (values if values is not None else self._fetch_common())[slot]
-        type_, count = value.type, value.count
-        if (type_ != RATIONAL and type_ != SRATIONAL) or not count or not value.data:
-            return None
-        return _unpack(number_format(type_, count), value.data[:8 * count])
-
     @property
     def gps(self):
         """(latitude, longitude, altitude): decimal degrees, negative to the
         south and west, and metres above sea level, negative below it; the
         altitude None where the file has none. None where the file has no
         usable latitude and longitude."""
-        latitude = self._rationals(_LATITUDE)
+        values = self._common
+        if values is None:
+            values = self._fetch_common()
+        latitude = _rationals(values[_LATITUDE])
         if latitude is None:
             return None
-        longitude = self._rationals(_LONGITUDE)
+        longitude = _rationals(values[_LONGITUDE])
         if longitude is None:
             return None
         lat = _gps.degrees(latitude, self.get("GPSLatitudeRef"))
         lon = _gps.degrees(longitude, self.get("GPSLongitudeRef"))
         if lat is None or lon is None:
             return None
-        height = self._rationals(_ALTITUDE)
+        height = _rationals(values[_ALTITUDE])
         alt = None
         if height is not None:
             reference = self.get("GPSAltitudeRef")
@@ -324,6 +318,16 @@ class Metadata(Mapping):
     def __repr__(self):
         state = "closed" if not self._handle else self.format
         return "<zexif.Metadata %r %s>" % (self.path if self.path is not None else "<bytes>", state)
+
+
+def _rationals(value):
+    """The numbers of a RATIONAL or SRATIONAL value, each numerator followed
+    by its denominator; None for a value of another type or none. Some
+    cameras write the GPS coordinates as SRATIONAL."""
+    type_, count = value.type, value.count
+    if (type_ != RATIONAL and type_ != SRATIONAL) or not count or not value.data:
+        return None
+    return _unpack(number_format(type_, count), value.data[:8 * count])
 
 
 def _parse_datetime(text, subsec, offset):
