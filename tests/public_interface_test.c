@@ -86,7 +86,7 @@ static void CompareBatch(const char *path, CExifReader *reader)
     static const ExifTagKey KEYS[] = {{0, 271}, {0, 272}, {0, 306}, {0, 274}, {0, 33432}, {IFD_EXIF, 36867},
                                       {IFD_EXIF, 33434}, {IFD_EXIF, 37386}, {IFD_EXIF, 42036}, {IFD_GPS, 0},
                                       {IFD_GPS, 1}, {IFD_GPS, 2}, {IFD_GPS, 6}, {IFD_INTEROP, 1}, {-1, 271},
-                                      {IFD_INTEROP + 1, 1}};
+                                      {IFD_INTEROP + 1, 271}};
     ExifTagValue out[sizeof KEYS / sizeof KEYS[0]], one;
     int i, found = 0, got = zRExifGetTagsAt(reader, KEYS, sizeof KEYS / sizeof KEYS[0], out);
     for (i = 0; i < (int)(sizeof KEYS / sizeof KEYS[0]); i++) {
