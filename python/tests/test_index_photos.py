@@ -18,9 +18,9 @@ SCRIPT = os.path.join(ROOT, "examples", "index_photos.py")
 
 
 def load_example():
-    spec = importlib.util.spec_from_file_location("index_photos", SCRIPT)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
+    found = importlib.util.spec_from_file_location("index_photos", SCRIPT)
+    module = importlib.util.module_from_spec(found)
+    found.loader.exec_module(module)
     return module
 
 

@@ -92,13 +92,18 @@ class Document(MutableMapping):
                 return ident, key
         return None
 
-    def __getitem__(self, key):
+    def _present(self, key):
+        """Where _where finds the key; NotFound for a tag that isn't there."""
         try:
             where = self._where(key)
         except NotFound:
             where = None
         if where is None:
             raise NotFound(ERROR_NOT_FOUND, "no tag %r" % (key,), self.path)
+        return where
+
+    def __getitem__(self, key):
+        where = self._present(key)
         return self._ifds[where[0]][where[1]]
 
     def __iter__(self):
@@ -160,13 +165,7 @@ class Document(MutableMapping):
         self.set(key, value)
 
     def __delitem__(self, key):
-        try:
-            where = self._where(key)
-        except NotFound:
-            where = None
-        if where is None:
-            raise NotFound(ERROR_NOT_FOUND, "no tag %r" % (key,), self.path)
-        ident = where[0]
+        ident = self._present(key)[0]
         self._delete_at(ident, _names.find(key)[1] if isinstance(key, str) else key)
 
     def set_gps(self, lat, lon, alt=None):
