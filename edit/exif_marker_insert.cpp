@@ -121,13 +121,15 @@ int zExifInsertExifMarker(CExifDoc *doc, ExifBuffer *buffer)
     ForgetOlderBlock(doc);
     doc->MoveTo(marker);
     CDocBuilder builder(doc);
-    ParseTiff(block, &builder);
+    // A parse that fails would leave the older block's shortcuts forgotten
+    // and the new one half read: as a load, the call fails whole.
+    const int parsed = ParseTiff(block, &builder);
     DeleteStream(block);
-    if (!TakeThumbnail(doc, marker, buffer)) {
+    if (!parsed || !TakeThumbnail(doc, marker, buffer)) {
         marker->m_data = nullptr;
         RemoveTopLevelNode(doc, marker);
         RestoreShortcuts(doc, before);
-        return FailExport(ZEXIF_ERROR_MEMORY);
+        return FailExport(parsed ? ZEXIF_ERROR_MEMORY : ZEXIF_ERROR_DAMAGED);
     }
     ForgetArrayBlock(buffer->data);
     return 0;

@@ -88,6 +88,8 @@ const AudioCase kCases[] = {
     {"a RIFF size with its top bit set ends at the head",
      {Head(WithRiffSize(First100(kAudio), 0x80000000)), Continuation(Part(kAudio, 100, 300))},
      WithRiffSize(First100(kAudio), 0x80000000), 1},
+    {"a head that holds no more than the RIFF size", {Head(WithRiffSize(Part(kAudio, 0, 8), 0))},
+     WithRiffSize(Part(kAudio, 0, 8), 0), 0},
     {"continuations without a head are no audio", {Continuation(Part(kAudio, 100, 300)), kIcc}, {}, 2},
     {"a second head ends the first stream",
      {Head(First100(kAudio)), Head(RiffWave(20, 2)), Continuation(Part(kAudio, 100, 300))}, First100(kAudio), 1},

@@ -93,12 +93,14 @@ void CheckInPlaceSave(const std::string &path, const Bytes &file, const std::fun
     EXPECT_GT(failed, 10u);
 }
 
-// Edits whose allocations fail give -1 and leave the tree as it was; a save
-// of the file as it came, or edited, loses nothing to a failure.
+// Edits whose allocations fail give -1 and leave the tree as it was, or
+// succeed as without the failure; a save of the file as it came, or edited,
+// loses nothing to a failure.
 TEST(Faults, FailedEditsAndSavesLoseNothing)
 {
     Bytes thumb = ThumbnailBytes(500);
     Bytes artist = {'J', 'a', 'n', 'e', 0};
+    Bytes block = ExifPayload(Layout({false, {{Ascii(271, "New")}, {OffsetsOf(513, {0}), Long(514, 200)}}, {}, {thumb}}));
     const std::function<int(CExifDoc *)> edits[] = {
         [&](CExifDoc *doc) {
             ExifTagValue value = {2, 5, artist.data()};
@@ -112,19 +114,31 @@ TEST(Faults, FailedEditsAndSavesLoseNothing)
             ExifBuffer buffer = {thumb.data(), uint32_t(thumb.size())};
             return zExifSetThumbnailData(doc, &buffer);
         },
+        [&](CExifDoc *doc) {
+            ExifBuffer buffer = {new unsigned char[block.size()], uint32_t(block.size())};
+            std::copy(block.begin(), block.end(), buffer.data);
+            int result = zExifInsertExifMarker(doc, &buffer);
+            if (result != 0) delete[] buffer.data;
+            return result;
+        },
     };
     for (const Bytes &file : Subjects()) {
         TempDir dir;
         std::string path = dir.Write("photo" + Extension(file), file);
         std::string wave = dir.Write("voice.wav", Bytes(3000, 1));
         for (const auto &edit : edits) {
+            DocPtr clean(zExifLoadFile(path.c_str()));
+            edit(clean.get());
+            const std::vector<RawTag> after = TreeTags(*clean);
+            const Bytes thumbAfter = DocThumbnail(clean.get());
             ForEachFailingCall([&](uint64_t failAt) {
                 DocPtr doc(zExifLoadFile(path.c_str()));
                 std::vector<RawTag> before = TreeTags(*doc);
                 FaultWindow window(FAULT_ALLOC, failAt);
                 int result = edit(doc.get());
                 bool struck = window.Close();
-                if (result != 0) EXPECT_EQ(before, TreeTags(*doc)) << window.Describe(failAt);
+                EXPECT_EQ(result != 0 ? before : after, TreeTags(*doc)) << window.Describe(failAt);
+                if (result == 0) EXPECT_EQ(thumbAfter, DocThumbnail(doc.get())) << window.Describe(failAt);
                 return struck && !::testing::Test::HasFailure();
             });
         }

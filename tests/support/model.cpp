@@ -170,20 +170,20 @@ void SortIfd(Ifd &ifd)
 // An image of a few strips, or tiles, in blobs, described in ifd.
 void AddStrips(Block &block, Ifd &ifd, std::mt19937 &rng)
 {
-    bool tiles = Pick(rng, 3) == 0;
+    bool tiles = Pick(rng, 3) == 0, shortCounts = Pick(rng, 2) == 0;
     int strips = 1 + Pick(rng, 4);
     std::vector<int> blobs;
     Bytes counts;
     for (int i = 0; i < strips; i++) {
         block.blobs.push_back(RandomBytes(rng, size_t(1 + Pick(rng, 300))));
         blobs.push_back(int(block.blobs.size()) - 1);
-        Put32(counts, uint32_t(block.blobs.back().size()), false);
+        (shortCounts ? Put16 : Put32)(counts, uint32_t(block.blobs.back().size()), false);
     }
     ifd.push_back(Short(256, 16));
     ifd.push_back(Short(257, uint16_t(strips)));
     ifd.push_back(Short(258, 8));
     ifd.push_back(OffsetsOf(tiles ? 324 : 273, blobs));
-    ifd.push_back(Typed(tiles ? 325 : 279, 4, uint32_t(strips), counts));
+    ifd.push_back(Typed(tiles ? 325 : 279, shortCounts ? 3 : 4, uint32_t(strips), counts));
 }
 
 Ifd ThumbnailIfd(Block &block, std::mt19937 &rng, bool withSubfile)
