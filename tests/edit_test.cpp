@@ -162,6 +162,8 @@ TEST(TagEdits, ValuesComeBackAsTheyWereSet)
     }
     EXPECT_EQ(-1, zExifGetTag(nullptr, 271, nullptr, 0));
     EXPECT_EQ(-1, zExifSetTag(doc.get(), 271, nullptr, 0));
+    ExifTagValue huge = {4, 0x40000000, &huge};
+    EXPECT_EQ(-1, zExifSetTag(doc.get(), 700, &huge, 0)) << "a value larger than a file may be";
     EXPECT_EQ(-1, zExifDelTag(nullptr, 271, 0));
 }
 

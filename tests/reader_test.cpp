@@ -5,9 +5,10 @@
 
 namespace {
 
-Bytes ExifSegment(const Ifd &ifd0, const std::vector<Ifd> &subs = {})
+Bytes ExifSegment(const Ifd &ifd0, const std::vector<Ifd> &subs = {}, size_t cut = 0)
 {
     Bytes payload = ExifPayload(Layout({false, {ifd0}, subs, {}}));
+    payload.resize(payload.size() - cut);
     Bytes segment = {0xFF, 0xE1, uint8_t((payload.size() + 2) >> 8), uint8_t(payload.size() + 2)};
     segment.insert(segment.end(), payload.begin(), payload.end());
     return segment;
@@ -46,6 +47,11 @@ const ReaderCase kCases[] = {
     {"segments of length 0 and 1 are stepped over",
      JpegOfPieces({{0xFF, 0xE5, 0, 0}, {0xFF, 0xE6, 0, 1}, ExifSegment({Ascii(271, "Found")})}),
      {{271, std::string("Found", 6)}}},
+    {"an IFD whose link the segment's end cuts off counts", JpegOfPieces({ExifSegment({Ascii(271, "Cut")}, {}, 4)}),
+     {{271, std::string("Cut", 4)}}},
+    {"an Exif segment behind the first 64 KiB is read from the file",
+     JpegOfPieces({{0xFF, 0xE2, 0xFF, 0xFF}, Bytes(65533, 'i'), ExifSegment({Ascii(271, "Far")})}),
+     {{271, std::string("Far", 4)}}},
 };
 
 TEST(Reader, AnswersWhatItsScansMet)
@@ -63,6 +69,7 @@ TEST(Reader, RefusesWhatIsNoJpegOrTiff)
     TempDir dir;
     for (const Bytes &file : {Bytes{}, Bytes{0xFF}, Bytes{'I', 'M', 42, 0}, Bytes{0xFF, 0xD9, 0xFF, 0xD8}, Bytes{'G', 'I', 'F', '8'}}) {
         EXPECT_EQ(nullptr, zRExifBeginRead(dir.Write("file", file).c_str()));
+        EXPECT_EQ(nullptr, zExifLoadFile(dir.Path("file").c_str()));
     }
     EXPECT_EQ(nullptr, zRExifBeginRead(dir.Path("missing").c_str()));
     ReaderPtr bare(zRExifBeginRead(dir.Write("bare.jpg", {0xFF, 0xD8}).c_str()));
@@ -71,6 +78,8 @@ TEST(Reader, RefusesWhatIsNoJpegOrTiff)
     EXPECT_EQ(0, zRExifIsExifExist(bare.get()));
     EXPECT_EQ(-1, zRExifGetTag(bare.get(), 271, nullptr));
     EXPECT_EQ(-1, zRExifGetThumbnailData(bare.get(), nullptr));
+    TifTagList *list = nullptr;
+    EXPECT_EQ(-1, zRExifGetTIFExifData(nullptr, &list));
 }
 
 }  // namespace

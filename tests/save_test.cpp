@@ -179,12 +179,13 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    {"a chain of symbolic links",
+    {"a chain of as many symbolic links as the system follows",
      [](const TempDir &dir, const std::string &) {
          mkdir(dir.Path("sub").c_str(), 0755);
          symlink("../photo.jpg", dir.Path("sub/mid.jpg").c_str());
-         symlink("sub/mid.jpg", dir.Path("link.jpg").c_str());
-         return dir.Path("link.jpg");
+         symlink("sub/mid.jpg", dir.Path("link0").c_str());
+         for (int i = 1; i < 39; i++) symlink(("link" + std::to_string(i - 1)).c_str(), dir.Path("link" + std::to_string(i)).c_str());
+         return dir.Path("link38");
      }},
     {"a second hard link",
      [](const TempDir &dir, const std::string &photo) {

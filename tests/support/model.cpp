@@ -331,7 +331,7 @@ Bytes ScanAcrossBuffer(std::mt19937 &rng, size_t start)
     const size_t edge = FILE_BUFFER_SIZE - 1 - start;
     Bytes out = ScanData(rng, edge);
     out.resize(edge);
-    if (out.back() == 0xFF) out.back() = 0;
+    if (!out.empty() && out.back() == 0xFF) out.back() = 0;
     out.insert(out.end(), {0xFF, codes[Pick(rng, 3)]});
     Bytes rest = ScanData(rng, 100);
     out.insert(out.end(), rest.begin(), rest.end());
@@ -365,8 +365,11 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     }
     AppendSegment(out, {0xC0, {8, 0, 16, 0, 16, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1}});
     AppendSegment(out, {0xC4, RandomBytes(rng, 29)});
+    const bool acrossBuffer = Pick(rng, 3) == 0;
+    // Sometimes the scan opens with a marker pair split by the buffer's edge.
+    if (acrossBuffer && Pick(rng, 2) == 0) AppendSegment(out, {0xFE, Bytes(FILE_BUFFER_SIZE - 1 - 18 - out.size(), 'c')});
     AppendSegment(out, {0xDA, {3, 1, 0, 2, 0x11, 3, 0x11, 0, 0x3F, 0}});
-    Bytes scan = Pick(rng, 3) == 0 ? ScanAcrossBuffer(rng, out.size()) : ScanData(rng, size_t(200 + Pick(rng, 2000)));
+    Bytes scan = acrossBuffer ? ScanAcrossBuffer(rng, out.size()) : ScanData(rng, size_t(200 + Pick(rng, 2000)));
     out.insert(out.end(), scan.begin(), scan.end());
     out.insert(out.end(), {0xFF, 0xD9});
     return out;
