@@ -156,16 +156,23 @@ TEST(AudioFiles, SetAudioIsSavedInSegmentsAndReadBack)
         ASSERT_EQ(0, zExifSetAudioFile(doc.get(), other.c_str()));
         ASSERT_EQ(0, zExifSetAudioFile(doc.get(), wave.c_str())) << size;
         ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str())) << size;
-        std::vector<int64_t> chunks;
+        std::vector<int64_t> chunks, offsets;
         std::vector<int> codes;
         Bytes file = ReadFile(path);
         for (const RawSegment &s : ReadRaw(file).segments) {
             codes.push_back(s.code);
-            if (s.code == 0xE2) chunks.push_back(s.size - (chunks.empty() ? 41 : 13));
+            if (s.code != 0xE2) continue;
+            chunks.push_back(s.size - (chunks.empty() ? 41 : 13));
+            const uint8_t *field = &file[size_t(s.offset) + 9];
+            offsets.push_back(int64_t(field[0]) << 24 | field[1] << 16 | field[2] << 8 | field[3]);
         }
-        std::vector<int64_t> expected;
-        for (size_t done = 0; done < size || expected.empty(); done += 63900) expected.push_back(int64_t(std::min<size_t>(63900, size - done)));
+        std::vector<int64_t> expected, starts;
+        for (size_t done = 0; done < size || expected.empty(); done += 63900) {
+            expected.push_back(int64_t(std::min<size_t>(63900, size - done)));
+            starts.push_back(int64_t(done));
+        }
         EXPECT_EQ(expected, chunks) << size;
+        EXPECT_EQ(starts, offsets) << size << ": each chunk's header tells where in the file it starts";
         EXPECT_EQ((std::vector<int>{0xD8, 0xE0, 0xE1, 0xE2}), std::vector<int>(codes.begin(), codes.begin() + 4));
         ReaderPtr reader(zRExifBeginRead(path.c_str()));
         ASSERT_EQ(0, zRExifGetAudioFile(reader.get(), dir.Path("r.wav").c_str())) << size;

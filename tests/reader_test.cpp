@@ -44,6 +44,9 @@ const ReaderCase kCases[] = {
     {"a thumbnail offset in IFD 0 doesn't end the scan of its entries",
      JpegOfPieces({ExifSegment({Long(513, 8), Long(514, 4), PointerTo(34665, 0)}, {{Ascii(36867, "2001:01:01 01:01:01")}})}),
      {{36867, std::string("2001:01:01 01:01:01", 20)}}},
+    {"an Exif segment too short for a TIFF block is passed over",
+     JpegOfPieces({{0xFF, 0xE1, 0, 12, 'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0}, ExifSegment({Ascii(271, "Next")})}),
+     {{271, std::string("Next", 5)}}},
     {"segments of length 0 and 1 are stepped over",
      JpegOfPieces({{0xFF, 0xE5, 0, 0}, {0xFF, 0xE6, 0, 1}, ExifSegment({Ascii(271, "Found")})}),
      {{271, std::string("Found", 6)}}},
@@ -61,6 +64,9 @@ TEST(Reader, AnswersWhatItsScansMet)
         ReaderPtr reader(zRExifBeginRead(dir.Write("photo.jpg", c.file).c_str()));
         ASSERT_NE(nullptr, reader) << c.name;
         for (const auto &answer : c.answers) EXPECT_EQ(answer.second, ReaderValue(reader.get(), answer.first)) << c.name;
+        DocPtr doc(zExifLoadFile(dir.Path("photo.jpg").c_str()));
+        ASSERT_NE(nullptr, doc) << c.name;
+        EXPECT_EQ(ReadRaw(c.file).tags, TreeTags(*doc)) << c.name << ": the tree reads what a raw walk reads";
     }
 }
 

@@ -160,6 +160,12 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
         buffer = {cut.data(), size};
         EXPECT_EQ(size == 13 ? 0 : -1, zExifSetThumbnailData(tiff.get(), &buffer)) << size;
     }
+    for (size_t at : {9, 11}) {
+        Bytes flat = cut;
+        flat[at] = flat[at + 1] = 0;
+        buffer = {flat.data(), 13};
+        EXPECT_EQ(-1, zExifSetThumbnailData(tiff.get(), &buffer)) << "an image of no height or width";
+    }
 }
 
 // A thumbnail offset without its length, one whose bytes the file or the

@@ -355,6 +355,7 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     Bytes out = {0xFF, 0xD8};
     AppendSegment(out, {0xE0, {'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0}});
     if (!block.empty()) AppendSegment(out, {0xE1, ExifPayload(block)});
+    if (Pick(rng, 3) == 0) AppendSegment(out, {0xE1, {'h', 't', 't', 'p', ':', '/', '/', 'n', 's', '.'}});
     Bytes quant(65, 1);
     quant[0] = 0;
     AppendSegment(out, {0xDB, quant});

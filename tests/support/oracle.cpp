@@ -355,8 +355,10 @@ void CheckEdits(const Bytes &bytes, const std::string &label)
 
     std::string out = dir.Path("edited");
     ASSERT_EQ(0, zExifSaveFile(doc.get(), out.c_str())) << label;
-    RawFile edited = ReadRaw(ReadFile(out));
+    Bytes saved = ReadFile(out);
+    RawFile edited = ReadRaw(saved);
     EXPECT_EQ(expected, AsSaved(edited.tags, raw.bigEndian)) << label;
+    EXPECT_EQ(CopiedSegments(bytes, raw), CopiedSegments(saved, edited)) << label;
     EXPECT_EQ(newThumb ? thumbnail : raw.thumbnail, edited.thumbnail) << label;
 }
 
