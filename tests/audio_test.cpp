@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "support/files.h"
@@ -181,23 +179,6 @@ TEST(AudioFiles, SetAudioIsSavedInSegmentsAndReadBack)
         ASSERT_EQ(0, zExifGetAudioFile(again.get(), dir.Path("d.wav").c_str())) << size;
         EXPECT_EQ(audio, ReadFile(dir.Path("d.wav"))) << size;
     }
-}
-
-// A file to be made under a 16-bit name gets that name, not the one its
-// first byte spells as a narrow string.
-TEST(AudioFiles, AreWrittenUnderSixteenBitNames)
-{
-    TempDir dir;
-    std::string path = dir.Write("photo.jpg", FileOf(kCases[0]));
-    DocPtr doc(zExifLoadFile(path.c_str()));
-    ReaderPtr reader(zRExifBeginRead(path.c_str()));
-    char cwd[4096];
-    ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
-    ASSERT_EQ(0, chdir(dir.m_path.c_str()));
-    EXPECT_EQ(0, zExifGetAudioFile(doc.get(), Utf16Of(u"d\u00e9.wav").data()));
-    EXPECT_EQ(0, zRExifGetAudioFile(reader.get(), Utf16Of(u"r\u00e9.wav").data()));
-    ASSERT_EQ(0, chdir(cwd));
-    EXPECT_EQ((std::vector<std::string>{"d\xc3\xa9.wav", "photo.jpg", "r\xc3\xa9.wav"}), dir.List());
 }
 
 // Failures are told and change nothing: an output that can't be opened or
