@@ -273,6 +273,10 @@ TEST(Save, CopiesWhatItDoesNotRebuild)
         DocPtr tiff(zExifLoadFile(dir.Write("wide.tif", Layout(block)).c_str()));
         EXPECT_EQ(bigEndian ? -1 : 0, zExifSaveFile(tiff.get(), dir.Path("out.tif").c_str())) << bigEndian;
     }
+    // Bytes of a byte wide, whatever fills the rest of the entry.
+    Block narrow{true, {{Typed(258, 3, 1, {8, 0, 16, 0}), OffsetsOf(273, {0}), Long(279, 8)}}, {}, {Bytes(8, 1)}};
+    DocPtr tiff(zExifLoadFile(dir.Write("narrow.tif", Layout(narrow)).c_str()));
+    EXPECT_EQ(0, zExifSaveFile(tiff.get(), dir.Path("out.tif").c_str()));
 }
 
 // A strip may lie anywhere in the file, its first byte included; strip tags
