@@ -3,6 +3,7 @@
 
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
+#include "load/tiff_types.h"
 #include "platform/failure_reason.h"
 #include "streams/stream.h"
 #include "streams/stream_size.h"
@@ -73,15 +74,16 @@ CTag *FindThumbLengthTag(CExifDoc *doc)
 }
 
 // Offset and length come from the file, so the bytes must lie inside what the
-// source holds before anything is allocated for them. A block that holds the
-// document's thumbnail already (a replaced one, say) is not overwritten with
-// the file's old bytes.
+// source holds before anything is allocated for them, and each must be one
+// number, as a save wants it: a thumbnail of another form is none. A block
+// that holds the document's thumbnail already (a replaced one, say) is not
+// overwritten with the file's old bytes.
 int ReadThumbnail(CExifDoc *doc, ExifBuffer *out)
 {
     CTag *thumb = doc->m_thumbTag;
-    if (thumb == nullptr) return 0;
+    if (thumb == nullptr || !IsSingleNumber(uint32_t(thumb->m_type), uint32_t(thumb->m_count))) return 0;
     CTag *lengthTag = FindThumbLengthTag(doc);
-    if (lengthTag == nullptr) return 0;
+    if (lengthTag == nullptr || !IsSingleNumber(uint32_t(lengthTag->m_type), uint32_t(lengthTag->m_count))) return 0;
     int64_t offset = static_cast<int32_t>(thumb->m_value);
     int64_t size = static_cast<int32_t>(lengthTag->m_value);
     ThumbSource source;

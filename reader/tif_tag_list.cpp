@@ -19,9 +19,10 @@ int64_t ItemDataSize(const IfdEntry &entry)
     return TiffTypeSize(entry.type) == 1 ? size + 1 : size;
 }
 
+// A value of no bytes lies nowhere, whatever its field holds.
 int IsOutsideEntry(const IfdEntry &entry)
 {
-    return TiffTypeSize(entry.type) != 0 && !ValueFitsEntry(entry.type, entry.count);
+    return TiffTypeSize(entry.type) != 0 && entry.count > 0 && !ValueFitsEntry(entry.type, entry.count);
 }
 
 // 0 when a value from outside the entry can't be read whole.

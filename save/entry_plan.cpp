@@ -48,7 +48,7 @@ int HasSubIfdChain(const CTag *tag)
 
 int IsSingleNumber(const CTag *tag)
 {
-    return (tag->m_type == TIFF_SHORT || tag->m_type == TIFF_LONG) && tag->m_count == 1;
+    return ::IsSingleNumber(uint32_t(tag->m_type), uint32_t(tag->m_count));
 }
 
 int64_t SlotNumber(const CTag *tag)

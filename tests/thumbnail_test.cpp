@@ -169,14 +169,17 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
 }
 
 // A thumbnail offset without its length, one whose bytes the file or the
-// block doesn't hold, or an offset of 0, is no thumbnail for a save: it
-// leaves the two tags out, and the document has none after it.
+// block doesn't hold, an offset of 0, an offset or a length that isn't one
+// number, is no thumbnail: a save leaves the two tags out, and the document
+// has none.
 TEST(GetThumbnail, WhatTheFileDoesNotHoldIsNone)
 {
     const Ifd broken[] = {{Short(259, 6), Long(513, 8)},
                           {Short(259, 6), Long(513, 8), Long(514, 100000)},
                           {Short(259, 6), Long(513, 0), Long(514, 8)},
-                          {Short(259, 6), Long(513, 200), Long(514, 20)}};
+                          {Short(259, 6), Long(513, 200), Long(514, 20)},
+                          {Short(259, 6), Typed(513, 4, 2, {8, 0, 0, 0, 8, 0, 0, 0}), Long(514, 8)},
+                          {Short(259, 6), Long(513, 8), Rational(514, 8, 1)}};
     for (const Ifd &ifd1 : broken) {
         for (bool tiff : {false, true}) {
             TempDir dir;

@@ -98,7 +98,7 @@ void LayIfd(Bytes &out, const Ifd &ifd, uint32_t next, const Offsets &at, bool b
             values.insert(values.end(), value.begin(), value.end());
             if (value.size() % 2) values.push_back(0);
         } else {
-            value.resize(4, 0);
+            value.resize(4, 0xA5);
             out.insert(out.end(), value.begin(), value.end());
         }
     }
