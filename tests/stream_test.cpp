@@ -94,6 +94,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     EXPECT_EQ(1, Utf16ToUtf8(Utf16Of(std::u16string(MAX_WIDE_PATH, u'a')).data(), out));
     EXPECT_EQ(1, LooksLikeWidePath("/"));
     EXPECT_EQ(1, LooksLikeWidePath("\xff\xfe"));
+    EXPECT_EQ(1, LooksLikeWidePath("\x80\x80"));
     EXPECT_EQ(0, LooksLikeWidePath("/tmp"));
     EXPECT_EQ(0, LooksLikeWidePath("\xc3\xa9t\xc3\xa9"));
     EXPECT_EQ(0, LooksLikeWidePath(""));
