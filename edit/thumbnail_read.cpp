@@ -3,8 +3,8 @@
 
 #include "edit/marker_chain.h"
 #include "edit/thumbnail_edit.h"
-#include "load/tiff_types.h"
 #include "platform/failure_reason.h"
+#include "save/tag_numbers.h"
 #include "streams/stream.h"
 #include "streams/stream_size.h"
 #include "tree/document.h"
@@ -81,9 +81,9 @@ CTag *FindThumbLengthTag(CExifDoc *doc)
 int ReadThumbnail(CExifDoc *doc, ExifBuffer *out)
 {
     CTag *thumb = doc->m_thumbTag;
-    if (thumb == nullptr || !IsSingleNumber(uint32_t(thumb->m_type), uint32_t(thumb->m_count))) return 0;
+    if (thumb == nullptr || !IsSingleNumber(thumb)) return 0;
     CTag *lengthTag = FindThumbLengthTag(doc);
-    if (lengthTag == nullptr || !IsSingleNumber(uint32_t(lengthTag->m_type), uint32_t(lengthTag->m_count))) return 0;
+    if (lengthTag == nullptr || !IsSingleNumber(lengthTag)) return 0;
     int64_t offset = static_cast<int32_t>(thumb->m_value);
     int64_t size = static_cast<int32_t>(lengthTag->m_value);
     ThumbSource source;

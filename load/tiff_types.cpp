@@ -33,11 +33,6 @@ int IsIfdPointer(uint32_t type, uint32_t count)
     return (type == TIFF_LONG || type == TIFF_IFD) && count == 1;
 }
 
-int IsSingleNumber(uint32_t type, uint32_t count)
-{
-    return (type == TIFF_SHORT || type == TIFF_LONG) && count == 1;
-}
-
 int ReadByteOrderMark(const unsigned char *mark, int *bigEndian)
 {
     if (mark[0] != mark[1] || (mark[0] != 'I' && mark[0] != 'M')) return 0;

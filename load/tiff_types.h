@@ -40,7 +40,4 @@ constexpr uint32_t TIFF_IFD = 13;
 // one IFD-typed value. A pointer tag of another form points at nothing.
 int IsIfdPointer(uint32_t type, uint32_t count);
 
-// One SHORT or LONG: the form of an offset or a length such as the thumbnail's.
-int IsSingleNumber(uint32_t type, uint32_t count);
-
 #endif

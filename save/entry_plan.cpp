@@ -5,6 +5,7 @@
 
 #include "load/tiff_types.h"
 #include "platform/failure_reason.h"
+#include "save/tag_numbers.h"
 #include "save/value_layout.h"
 #include "tree/node.h"
 #include "zexif.h"
@@ -44,11 +45,6 @@ int IsStructural(const CNode *node, int32_t id)
 int HasSubIfdChain(const CTag *tag)
 {
     return IsStructural(tag->m_child, NODE_ENTRY_COUNT);
-}
-
-int IsSingleNumber(const CTag *tag)
-{
-    return ::IsSingleNumber(uint32_t(tag->m_type), uint32_t(tag->m_count));
 }
 
 int64_t SlotNumber(const CTag *tag)

@@ -6,6 +6,11 @@
 #include "save/value_layout.h"
 #include "tree/node.h"
 
+int IsSingleNumber(const CTag *tag)
+{
+    return (tag->m_type == TIFF_SHORT || tag->m_type == TIFF_LONG) && tag->m_count == 1;
+}
+
 int ReadNumber(const CTag *tag, int32_t k, uint32_t *value)
 {
     int width = tag->m_type == TIFF_SHORT ? 2 : tag->m_type == TIFF_LONG ? 4 : 0;

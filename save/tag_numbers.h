@@ -10,4 +10,8 @@ class CTag;
 // doesn't hold.
 int ReadNumber(const CTag *tag, int32_t k, uint32_t *value);
 
+// One SHORT or LONG: the form of an offset or a length such as the
+// thumbnail's.
+int IsSingleNumber(const CTag *tag);
+
 #endif
