@@ -63,6 +63,16 @@ std::vector<std::string> ParsedArguments::All(const std::string &option) const
     return found == values.end() ? std::vector<std::string>() : found->second;
 }
 
+void ParsedArguments::TagsAndFiles(std::vector<std::string> *tags, std::vector<std::string> *files) const
+{
+    *tags = All("tag");
+    *files = positional;
+    if (tags->empty() && files->size() >= 2) {
+        tags->push_back(files->back());
+        files->pop_back();
+    }
+}
+
 bool ParseArguments(const std::string &command, const std::vector<std::string> &arguments,
                     const std::vector<OptionSpec> &options, ParsedArguments *parsed)
 {

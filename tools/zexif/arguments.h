@@ -24,6 +24,9 @@ struct ParsedArguments {
     // The last value given.
     std::string Value(const std::string &option, const std::string &otherwise) const;
     std::vector<std::string> All(const std::string &option) const;
+    // The tags a command names with -t, and its files; without -t, the last
+    // word is the tag, as in the first form of get and delete.
+    void TagsAndFiles(std::vector<std::string> *tags, std::vector<std::string> *files) const;
 };
 
 // GNU rules: --name=value or --name value, -x value or -xvalue, "--" ends

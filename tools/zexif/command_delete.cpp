@@ -30,11 +30,8 @@ EditResult DeleteAll(CExifDoc *doc, const std::string &path, const std::vector<T
 
 int RunDelete(const ParsedArguments &parsed)
 {
-    std::vector<std::string> words = parsed.All("tag"), files = parsed.positional;
-    if (words.empty() && files.size() >= 2) {
-        words.push_back(files.back());
-        files.pop_back();
-    }
+    std::vector<std::string> words, files;
+    parsed.TagsAndFiles(&words, &files);
     std::vector<TagAddress> addresses(words.size());
     for (size_t i = 0; i < words.size(); ++i) {
         if (!AddressFromArguments(words[i], parsed, &addresses[i])) return EXIT_USAGE;

@@ -126,15 +126,10 @@ private:
 
 }  // namespace
 
-// Tags come with -t; without, the last word is the tag, as in the first
-// form of the command.
 int RunGet(const ParsedArguments &parsed)
 {
-    std::vector<std::string> words = parsed.All("tag"), files = parsed.positional;
-    if (words.empty() && files.size() >= 2) {
-        words.push_back(files.back());
-        files.pop_back();
-    }
+    std::vector<std::string> words, files;
+    parsed.TagsAndFiles(&words, &files);
     std::vector<Wanted> wanted;
     ReportForm form;
     if (words.empty() || files.empty() || !ReportFormOf(parsed, &form) || !ParseWanted(words, parsed, &wanted)) {
