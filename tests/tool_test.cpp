@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <utime.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -105,8 +105,8 @@ TEST(Tool, CommandsChangeWhatTheySay)
     std::string photo = dir.Write("photo.jpg", ReadFile(ZEXIF_SAMPLE_JPEG));
     EXPECT_EQ("zExifLib\n", Tool({"get", photo, "Make"}).out);
     EXPECT_EQ("zExifLib\n", Tool({"get", photo, "0x10f"}).out);
-    const struct timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
-    utimensat(AT_FDCWD, photo.c_str(), past, 0);
+    const struct utimbuf past = {1000000000, 1000000000};
+    utime(photo.c_str(), &past);
     ToolRun streamed = Tool({"set", photo, "Model", "ascii", "Second", "-o", "-"});
     EXPECT_EQ(0, streamed.status);
     EXPECT_EQ(0, Tool({"set", photo, "Model", "ascii", "Second", "--preserve-time"}).status);

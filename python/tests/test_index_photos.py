@@ -1,10 +1,11 @@
 """The cluster example makes on two workers the table one process makes."""
 
-import importlib.util
 import os
+import runpy
 import shutil
 import subprocess
 import sys
+import types
 
 import pytest
 
@@ -18,10 +19,7 @@ SCRIPT = os.path.join(ROOT, "examples", "index_photos.py")
 
 
 def load_example():
-    found = importlib.util.spec_from_file_location("index_photos", SCRIPT)
-    module = importlib.util.module_from_spec(found)
-    found.loader.exec_module(module)
-    return module
+    return types.SimpleNamespace(**runpy.run_path(SCRIPT))
 
 
 @pytest.mark.skipif(not sample_files(), reason="no samples at %s (set ZEXIF_SAMPLES)" % SAMPLES)

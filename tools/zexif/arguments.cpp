@@ -24,10 +24,10 @@ std::string Marked(const std::string &word)
     return negative ? NUMBER_MARK + word : word;
 }
 
-std::string ShortOptions(const std::vector<OptionSpec> &options)
+std::string ShortOptions(const std::vector<CommandOption> &options)
 {
     std::string letters = ":";
-    for (const OptionSpec &option : options) {
+    for (const CommandOption &option : options) {
         if (option.letter == 0) continue;
         letters += option.letter;
         if (option.takesValue) letters += ':';
@@ -35,9 +35,9 @@ std::string ShortOptions(const std::vector<OptionSpec> &options)
     return letters;
 }
 
-const OptionSpec *FindLetter(const std::vector<OptionSpec> &options, int letter)
+const CommandOption *FindLetter(const std::vector<CommandOption> &options, int letter)
 {
-    for (const OptionSpec &option : options) {
+    for (const CommandOption &option : options) {
         if (option.letter == letter) return &option;
     }
     return nullptr;
@@ -74,7 +74,7 @@ void ParsedArguments::TagsAndFiles(std::vector<std::string> *tags, std::vector<s
 }
 
 bool ParseArguments(const std::string &command, const std::vector<std::string> &arguments,
-                    const std::vector<OptionSpec> &options, ParsedArguments *parsed)
+                    const std::vector<CommandOption> &options, ParsedArguments *parsed)
 {
     std::vector<std::string> words = {"zexif"};
     for (const std::string &word : arguments) words.push_back(Marked(word));
@@ -95,7 +95,7 @@ bool ParseArguments(const std::string &command, const std::vector<std::string> &
         const std::string word = argv[optind - 1];
         if (found == '?') return Mistake(command, "unknown option '" + (optopt != 0 ? std::string("-") + char(optopt) : word) + "'");
         if (found == ':') return Mistake(command, "option '" + word + "' needs a value");
-        const OptionSpec *option = found >= 256 ? &options[static_cast<size_t>(found - 256)] : FindLetter(options, found);
+        const CommandOption *option = found >= 256 ? &options[static_cast<size_t>(found - 256)] : FindLetter(options, found);
         parsed->values[option->name].push_back(option->takesValue ? Unmarked(optarg) : "");
     }
     for (int i = optind; i < argc; ++i) parsed->positional.push_back(Unmarked(argv[i]));

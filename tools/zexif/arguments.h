@@ -8,7 +8,7 @@
 
 // An option a command takes: its long name, its one-letter form (0 for
 // none) and whether it takes a value.
-struct OptionSpec {
+struct CommandOption {
     const char *name;
     char letter;
     bool takesValue;
@@ -35,7 +35,7 @@ struct ParsedArguments {
 // after one line on stderr that names the mistake and points to the
 // command's --help.
 bool ParseArguments(const std::string &command, const std::vector<std::string> &arguments,
-                    const std::vector<OptionSpec> &options, ParsedArguments *parsed);
+                    const std::vector<CommandOption> &options, ParsedArguments *parsed);
 
 // A number in decimal or, after "0x", in hex, up to 32 bits.
 bool ParseNumber(const std::string &text, uint32_t *number);

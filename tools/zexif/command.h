@@ -21,7 +21,7 @@ struct Command {
     const char *usage;    // the arguments, one line
     const char *summary;  // one line for zexif --help
     const char *details;  // what it does and its options, for COMMAND --help
-    std::vector<OptionSpec> options;
+    std::vector<CommandOption> options;
     int (*run)(const ParsedArguments &parsed);
 };
 

@@ -2,26 +2,26 @@
 
 namespace {
 
-const OptionSpec HELP = {"help", 'h', false};
-const OptionSpec RECURSIVE = {"recursive", 'r', false};
-const OptionSpec JOBS = {"jobs", 'j', true};
-const OptionSpec JSON = {"json", 0, false};
-const OptionSpec CSV = {"csv", 0, false};
-const OptionSpec TAG = {"tag", 't', true};
-const OptionSpec IFD = {"ifd", 0, true};
-const OptionSpec OUT = {"out", 'o', true};
-const OptionSpec DRY_RUN = {"dry-run", 'n', false};
-const OptionSpec PRESERVE_TIME = {"preserve-time", 'P', false};
+const CommandOption HELP = {"help", 'h', false};
+const CommandOption RECURSIVE = {"recursive", 'r', false};
+const CommandOption JOBS = {"jobs", 'j', true};
+const CommandOption JSON = {"json", 0, false};
+const CommandOption CSV = {"csv", 0, false};
+const CommandOption TAG = {"tag", 't', true};
+const CommandOption IFD = {"ifd", 0, true};
+const CommandOption OUT = {"out", 'o', true};
+const CommandOption DRY_RUN = {"dry-run", 'n', false};
+const CommandOption PRESERVE_TIME = {"preserve-time", 'P', false};
 
 // The options of a command that reads files, of one that writes them, and
 // its own.
-std::vector<OptionSpec> Reading(std::vector<OptionSpec> own)
+std::vector<CommandOption> Reading(std::vector<CommandOption> own)
 {
     own.insert(own.end(), {HELP, RECURSIVE, JOBS});
     return own;
 }
 
-std::vector<OptionSpec> Writing(std::vector<OptionSpec> own)
+std::vector<CommandOption> Writing(std::vector<CommandOption> own)
 {
     own.insert(own.end(), {OUT, DRY_RUN, PRESERVE_TIME});
     return Reading(own);
