@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -71,8 +72,8 @@ bool ShowChanges(CExifDoc *doc, const std::string &path, const std::vector<Snaps
 
 bool KeepTime(const std::string &target, const struct stat &before)
 {
-    const struct timespec times[2] = {before.st_atim, before.st_mtim};
-    if (utimensat(AT_FDCWD, target.c_str(), times, 0) == 0) return true;
+    const std::array times = {before.st_atim, before.st_mtim};
+    if (utimensat(AT_FDCWD, target.c_str(), times.data(), 0) == 0) return true;
     std::fprintf(Err(), "zexif: cannot keep the time of %s: %s\n", target.c_str(), std::strerror(errno));
     return false;
 }
