@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -103,6 +104,7 @@ TEST(FailedSave, LosesNothing)
         EXPECT_EQ(-1, zExifSaveFile(doc.get(), path.c_str())) << c.name;
         EXPECT_EQ((Bytes{'o', 'l', 'd'}), ReadFile(target)) << c.name;
         EXPECT_EQ(listing, dir.List()) << c.name;
+        umount2(path.c_str(), MNT_DETACH);
     }
     TempDir dir;
     std::string source = dir.Write("source.jpg", ExifJpeg(30000));
@@ -192,6 +194,11 @@ const Shape kShapes[] = {
          link(photo.c_str(), dir.Path("twin.jpg").c_str());
          return photo;
      }},
+    {"a file mounted over the name, where mounting is allowed",
+     [](const TempDir &dir, const std::string &photo) {
+         const std::string name = dir.Write("mounted.jpg", {});
+         return mount(photo.c_str(), name.c_str(), nullptr, MS_BIND, nullptr) == 0 ? name : photo;
+     }},
     {"another user's file",
      [](const TempDir &, const std::string &photo) {
          if (geteuid() == 0) chown(photo.c_str(), 4321, 4321);
@@ -224,6 +231,7 @@ TEST(Save, KeepsTheFileWhatItWas)
         EXPECT_EQ(before, Identity(path)) << c.name;
         EXPECT_EQ(ExifJpeg(10), ReadFile(photo)) << c.name;
         EXPECT_EQ(listing, dir.List()) << c.name;
+        umount2(path.c_str(), MNT_DETACH);
     }
     if (geteuid() != 0) GTEST_SKIP() << "not root: a file of another user's was not tried";
 }
