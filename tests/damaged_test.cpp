@@ -28,7 +28,7 @@ TEST(DamagedFiles, CutShortAnywhere)
 struct Patch {
     uint32_t pos;
     uint32_t value;
-    int width;  // 4, 2, or 0 for two zero bytes
+    int width;  // 4 or 2
 };
 
 struct Hostile {
@@ -58,7 +58,7 @@ const Hostile kHostile[] = {
     {"counts larger than the stream", {{14, 0xFFFFFFFF, 4}, {82, 0x20000001, 4}, {94, 1000000, 4}}, {270}},
     {"values behind the end", {{18, 130, 4}, {86, 0x7FFFFFF0, 4}}, {270, 36867}},
     {"IFDs behind the end", {{34, 0x7FFFFFF0, 4}, {30, 0x00FFFFF0, 4}}, {271}},
-    {"type 0 ends the chain", {{24, 0, 0}}, {271}},
+    {"type 0 ends the chain", {{24, 0, 2}}, {271}},
     {"an entry count with its top bit set", {{46, 0x8001, 2}}, {271, 33434, 36867}},
 };
 
@@ -71,7 +71,6 @@ Bytes Patched(const Block &block, const Hostile &c)
             bytes[p.pos] = uint8_t(block.bigEndian ? p.value >> 8 : p.value);
             bytes[p.pos + 1] = uint8_t(block.bigEndian ? p.value : p.value >> 8);
         }
-        if (p.width == 0) bytes[p.pos] = bytes[p.pos + 1] = 0;
     }
     return bytes;
 }

@@ -101,15 +101,14 @@ TEST(Faults, FailedEditsAndSavesLoseNothing)
     Bytes thumb = ThumbnailBytes(500);
     Bytes artist = {'J', 'a', 'n', 'e', 0};
     Bytes block = ExifPayload(Layout({false, {{Ascii(271, "New")}, {OffsetsOf(513, {0}), Long(514, 200)}}, {}, {thumb}}));
+    auto setText = [&](uint32_t tag) {
+        return [&, tag](CExifDoc *doc) {
+            ExifTagValue value = {2, 5, artist.data()};
+            return zExifSetTag(doc, tag, &value, 0);
+        };
+    };
     const std::function<int(CExifDoc *)> edits[] = {
-        [&](CExifDoc *doc) {
-            ExifTagValue value = {2, 5, artist.data()};
-            return zExifSetTag(doc, 315, &value, 0);
-        },
-        [&](CExifDoc *doc) {
-            ExifTagValue value = {2, 5, artist.data()};
-            return zExifSetTag(doc, 36867, &value, 0);
-        },
+        setText(315), setText(36867),
         [&](CExifDoc *doc) {
             ExifBuffer buffer = {thumb.data(), uint32_t(thumb.size())};
             return zExifSetThumbnailData(doc, &buffer);

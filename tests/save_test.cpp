@@ -104,7 +104,6 @@ TEST(FailedSave, LosesNothing)
         EXPECT_EQ(-1, zExifSaveFile(doc.get(), path.c_str())) << c.name;
         EXPECT_EQ((Bytes{'o', 'l', 'd'}), ReadFile(target)) << c.name;
         EXPECT_EQ(listing, dir.List()) << c.name;
-        umount2(path.c_str(), MNT_DETACH);
     }
     TempDir dir;
     std::string source = dir.Write("source.jpg", ExifJpeg(30000));
@@ -227,7 +226,7 @@ TEST(Save, KeepsTheFileWhatItWas)
         DocPtr doc(zExifLoadFile(dir.Write("other.jpg", ExifJpeg(10)).c_str()));
         auto before = Identity(path);
         std::vector<std::string> listing = dir.List();
-        ASSERT_EQ(0, zExifSaveFile(doc.get(), path.c_str())) << c.name;
+        EXPECT_EQ(0, zExifSaveFile(doc.get(), path.c_str())) << c.name;
         EXPECT_EQ(before, Identity(path)) << c.name;
         EXPECT_EQ(ExifJpeg(10), ReadFile(photo)) << c.name;
         EXPECT_EQ(listing, dir.List()) << c.name;

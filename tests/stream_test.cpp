@@ -73,10 +73,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     const struct {
         std::u16string wide;
         const char *utf8;
-    } conversions[] = {{u"a", "a"},
-                       {u"\u00e9t\u00e9", "\xc3\xa9t\xc3\xa9"},
-                       {u"\u20ac", "\xe2\x82\xac"},
-                       {u"\U0001F600.jpg", "\xf0\x9f\x98\x80.jpg"},
+    } conversions[] = {{u"\U0001F600.jpg", "\xf0\x9f\x98\x80.jpg"},
                        {u"\U0010FFFF", "\xf4\x8f\xbf\xbf"},
                        {u"\u007f\u0080\u07ff\u0800\uffff", "\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"}};
     for (const auto &c : conversions) {
@@ -92,13 +89,8 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
     }
     EXPECT_EQ(0, Utf16ToUtf8(Utf16Of(std::u16string(MAX_WIDE_PATH + 1, u'a')).data(), out));
     EXPECT_EQ(1, Utf16ToUtf8(Utf16Of(std::u16string(MAX_WIDE_PATH, u'a')).data(), out));
-    EXPECT_EQ(1, LooksLikeWidePath("/"));
-    EXPECT_EQ(1, LooksLikeWidePath("\xff\xfe"));
-    EXPECT_EQ(1, LooksLikeWidePath("\x80\x80"));
-    EXPECT_EQ(0, LooksLikeWidePath("/tmp"));
-    EXPECT_EQ(0, LooksLikeWidePath("\xc3\xa9t\xc3\xa9"));
-    EXPECT_EQ(0, LooksLikeWidePath(""));
-    EXPECT_EQ(0, LooksLikeWidePath("\xf4\x8f\xbf\xbf"));
+    for (const char *wide : {"/", "\xff\xfe", "\x80\x80"}) EXPECT_EQ(1, LooksLikeWidePath(wide)) << wide;
+    for (const char *narrow : {"/tmp", "\xc3\xa9t\xc3\xa9", "", "\xf4\x8f\xbf\xbf"}) EXPECT_EQ(0, LooksLikeWidePath(narrow)) << narrow;
 
     TempDir dir;
     Bytes jpeg = JpegOf({{Ascii(271, "Cam")}});

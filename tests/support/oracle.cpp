@@ -136,9 +136,7 @@ void CheckReader(const std::string &path, const Bytes &file, const RawFile &raw,
     ExifBuffer thumb = {};
     int got = zRExifGetThumbnailData(reader.get(), &thumb);
     EXPECT_EQ(raw.thumbnail.empty() ? -1 : 0, got) << label;
-    if (got == 0) {
-        EXPECT_EQ(raw.thumbnail, Bytes(thumb.data, thumb.data + thumb.size)) << label;
-    }
+    if (got == 0) EXPECT_EQ(raw.thumbnail, Bytes(thumb.data, thumb.data + thumb.size)) << label;
 
     ExifBuffer marker = {};
     Bytes payload;
