@@ -117,7 +117,7 @@ TEST(WidePath, FilesOpenAsDescriptorZero)
     char cwd[4096];
     ASSERT_NE(nullptr, getcwd(cwd, sizeof cwd));
     ASSERT_EQ(0, chdir(dir.m_path.c_str()));
-    DocPtr doc(zExifLoadFile("a"));
+    DocPtr doc(zExifLoadFile("a")), other(zExifLoadFile("a"));
     int saved = dup(0);
     close(0);
     {
@@ -136,6 +136,7 @@ TEST(WidePath, FilesOpenAsDescriptorZero)
     reader = zRExifBeginRead(Utf16Of(wide).data());
     EXPECT_NE(nullptr, reader);
     zRExifEndRead(reader);
+    EXPECT_EQ(0, zExifSaveFile(other.get(), "new.jpg"));
     EXPECT_EQ(0, zExifSaveFile(doc.get(), "a"));
     EXPECT_EQ(-1, fcntl(0, F_GETFD));
     dup2(saved, 0);

@@ -356,9 +356,7 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng)
     AppendSegment(out, {0xE0, {'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0}});
     if (!block.empty()) AppendSegment(out, {0xE1, ExifPayload(block)});
     if (Pick(rng, 3) == 0) AppendSegment(out, {0xE1, {'h', 't', 't', 'p', ':', '/', '/', 'n', 's', '.'}});
-    Bytes quant(65, 1);
-    quant[0] = 0;
-    AppendSegment(out, {0xDB, quant});
+    AppendSegment(out, {0xDB, Bytes(65, 1)});
     if (Pick(rng, 3) == 0) {
         Bytes data = DataBetweenSegments(rng);
         out.insert(out.end(), data.begin(), data.end());
@@ -384,7 +382,7 @@ Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs, const 
 
 Bytes ThumbnailBytes(size_t size, uint8_t seed)
 {
-    static const Bytes frame = {0xFF, 0xC0, 0, 17, 8, 0, 120, 0, 160, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};
+    static const Bytes frame = {0xFF, 0xC4, 0, 3, 0, 0xFF, 0xC0, 0, 17, 8, 0, 120, 0, 160, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};
     Bytes out(size < 4 ? 4 : size, 0);
     for (size_t i = 0; i < out.size(); i++) out[i] = uint8_t((i * 7 + seed) % 0xFE);
     out[0] = 0xFF, out[1] = 0xD8;

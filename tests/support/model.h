@@ -69,8 +69,8 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng);
 // APP1 when there are none).
 Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs = {}, const std::vector<Bytes> &blobs = {});
 Bytes ScanData(std::mt19937 &rng, size_t size);
-// A JPEG stream fit to be a thumbnail: SOI, a frame header of 160 x 120
-// where the size leaves room for one, filler, EOI.
+// A JPEG stream fit to be a thumbnail: SOI, a table and a frame header of
+// 160 x 120 where the size leaves room for them, filler, EOI.
 Bytes ThumbnailBytes(size_t size, uint8_t seed = 1);
 
 // Random files in every shape the library meets: either byte order, all

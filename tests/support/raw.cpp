@@ -16,7 +16,8 @@ struct TiffReader {
     int64_t base;
     bool be = false;
     int64_t *budget;
-    std::vector<RawTag> *tags;
+    RawFile &raw;
+    int64_t segment = -1;  // the block's size in its APP1, which bounds the reader's values
     bool seenExif = false, seenGps = false, seenInterop = false;
 
     int64_t Size() const { return int64_t(file.size()) - base; }
@@ -51,6 +52,7 @@ struct TiffReader {
         if (count == 0 || count > 100) return false;
         int64_t avail = Size() - at - 2;
         uint32_t complete = uint32_t(std::min<int64_t>(count, avail < 0 ? 0 : avail / 12));
+        if (complete < count) raw.cutIfds.push_back(place);
         struct Raw { uint16_t tag, type; uint32_t count; int64_t field; };
         std::vector<Raw> kept;
         for (uint32_t i = 0; i < complete; i++) {
@@ -83,8 +85,9 @@ struct TiffReader {
             if (bytes > *budget) return false;
             *budget -= bytes;
             record.value = Fetch(offset, bytes, type);
+            if (!Has(offset, bytes) || (segment >= 0 && offset + bytes > segment)) raw.cutValues.insert(raw.tags.size());
         }
-        tags->push_back(record);
+        raw.tags.push_back(record);
         bool *seen = tag == 34665 ? &seenExif : tag == 34853 ? &seenGps : tag == 40965 ? &seenInterop : nullptr;
         if (seen == nullptr || *seen || (type != 4 && type != 13) || count != 1) return true;
         *seen = true;
@@ -152,7 +155,7 @@ struct JpegWalk {
         int64_t length = Length(at);
         raw.segments.push_back({code, at + 2, length - 2});
         if (code == 0xE1 && std::memcmp(&file[size_t(at + 2)], "Exif", 4) == 0 && length - 2 >= 14) {
-            TiffReader tiff{file, at + 8, false, &budget, &raw.tags};
+            TiffReader tiff{file, at + 8, false, &budget, raw, length - 8};
             std::string prefix = blocks == 0 ? "" : "APP1#" + std::to_string(blocks) + ":";
             blocks++;
             if (!tiff.Block(prefix, &raw.bigEndian)) return -2;
@@ -283,7 +286,7 @@ RawFile ReadRaw(const Bytes &file)
     } else if (file[0] == file[1] && (file[0] == 'I' || file[0] == 'M')) {
         raw.format = 2;
         int64_t budget = -1;
-        TiffReader tiff{file, 0, false, &budget, &raw.tags};
+        TiffReader tiff{file, 0, false, &budget, raw};
         raw.loads = tiff.Block("", &raw.bigEndian);
         ReadImages(file, raw);
     }

@@ -2,6 +2,7 @@
 #define ZEXIF_TESTS_SUPPORT_RAW_H
 
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,10 @@ struct RawFile {
     bool loads = false;  // a load of these bytes succeeds
     std::vector<RawSegment> segments;
     std::vector<RawTag> tags;  // every IFD in pre-order: a sub-IFD right behind its pointer
+    // What the file cuts short: the places of IFDs whose entries it cuts, the
+    // tags whose values run past its end.
+    std::vector<std::string> cutIfds;
+    std::set<size_t> cutValues;
     Bytes thumbnail;  // the JPEG stream of IFD 1 in the first block
     std::vector<Bytes> images;  // TIFF: each chain IFD's strips, one after the other
 };
