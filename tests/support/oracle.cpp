@@ -113,7 +113,8 @@ void CheckTreeLookups(CExifDoc *doc, const std::vector<RawTag> &tags, const std:
 }
 
 // The tags the reader can answer: it reads no IFD whose entries the file
-// cuts short, nor anything below it, and no value that runs past the end.
+// cuts short, nor anything below it, and no value that runs past the file's
+// end or past the APP1 that holds it.
 std::vector<RawTag> ReadableTags(const RawFile &raw)
 {
     std::vector<RawTag> tags;

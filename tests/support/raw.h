@@ -45,7 +45,8 @@ struct RawFile {
     std::vector<RawSegment> segments;
     std::vector<RawTag> tags;  // every IFD in pre-order: a sub-IFD right behind its pointer
     // What the file cuts short: the places of IFDs whose entries it cuts, the
-    // tags whose values run past its end.
+    // tags whose values run past its end (or past their APP1, which bounds
+    // what the read-only family reads).
     std::vector<std::string> cutIfds;
     std::set<size_t> cutValues;
     Bytes thumbnail;  // the JPEG stream of IFD 1 in the first block
