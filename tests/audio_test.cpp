@@ -209,4 +209,17 @@ TEST(AudioFiles, FailuresLeaveWhatIsThere)
     EXPECT_EQ((std::vector<std::string>{"photo.jpg"}), dir.List());
 }
 
+// The reader records 3,000 FPXR segments at most: a head behind them is
+// never met.
+TEST(AudioStreams, TheReaderKeepsTheFirst3000Segments)
+{
+    for (size_t before : {size_t(2999), size_t(3000)}) {
+        std::vector<Segment> segments(before, Continuation(Bytes(1, 0), 9));
+        segments.push_back(Head(WithRiffSize(First100(kAudio), 92)));
+        TempDir dir;
+        ReaderPtr reader(zRExifBeginRead(dir.Write("photo.jpg", Jpeg(segments, {})).c_str()));
+        EXPECT_EQ(before < 3000 ? 1 : 0, zRExifIsAudioExist(reader.get())) << before;
+    }
+}
+
 }  // namespace

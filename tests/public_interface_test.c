@@ -48,15 +48,10 @@ static unsigned char *ReadAll(const char *path, uint32_t *size)
     return bytes;
 }
 
-static size_t ValueBytes(uint32_t type, uint32_t count)
-{
-    static const size_t SIZES[13] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
-    return type <= 12 ? SIZES[type] * count : 0;
-}
-
 static int SameValue(uint32_t type, uint32_t count, const void *a, const void *b)
 {
-    size_t size = ValueBytes(type, count);
+    static const size_t SIZES[13] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+    size_t size = type <= 12 ? SIZES[type] * count : 0;
     return size == 0 || (a != NULL && b != NULL && memcmp(a, b, size) == 0);
 }
 
@@ -256,15 +251,12 @@ static void CheckErrors(const char *photo)
     static const unsigned char BROKEN[] = {0xFF, 0xD8, 0xFF, 0xE1, 0, 18, 'E', 'x', 'i', 'f', 0, 0,
                                            'I', 'I', 42, 0, 8, 0, 0, 0, 0, 0, 0xFF, 0xD9};
     struct rlimit full, before;
-    ExifTagValue value;
-    int code;
     static unsigned char big[65534];
+    ExifTagValue value = {2, 1, big};
+    int code;
     ExifBuffer empty = {NULL, 0}, largest = {big, sizeof big - 1}, tooLarge = {big, sizeof big};
     ExifSegment *segments = NULL;
     CExifDoc *doc = zExifLoadFile(photo);
-    value.type = 2;
-    value.count = 1;
-    value.data = big;
     EXPECT_ERROR(zExifGetTagAt(doc, -1, 271, &value) == -1, ZEXIF_ERROR_ARGUMENT);
     EXPECT_ERROR(zExifSetTagAt(doc, IFD_INTEROP + 1, 271, &value) == -1, ZEXIF_ERROR_ARGUMENT);
     EXPECT_ERROR(zExifGetSegmentList(doc, &segments, NULL) == -1 && zExifSaveMemory(doc, NULL) == -1, ZEXIF_ERROR_ARGUMENT);

@@ -81,6 +81,8 @@ TEST(Reader, RefusesWhatIsNoJpegOrTiff)
     EXPECT_EQ(0, zRExifIsExifExist(bare.get()));
     EXPECT_EQ(-1, zRExifGetTag(bare.get(), 271, nullptr));
     EXPECT_EQ(-1, zRExifGetThumbnailData(bare.get(), nullptr));
+    TifTagList *list = nullptr;
+    EXPECT_EQ(-1, zRExifGetTIFExifData(nullptr, &list));
 }
 
 }  // namespace

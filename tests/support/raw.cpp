@@ -57,16 +57,16 @@ struct TiffReader {
         std::vector<Raw> kept;
         for (uint32_t i = 0; i < complete; i++) {
             int64_t e = at + 2 + 12 * int64_t(i);
-            Raw raw = {uint16_t(U16(e)), uint16_t(U16(e + 2)), U32(e + 4), e + 8};
-            if (raw.type == 0) return false;
-            int size = TypeSize(raw.type);
-            int64_t bytes = int64_t(raw.count) * size;
-            bool outOfLine = size != 0 && raw.count > 0 && (size == 8 || bytes > 4);
-            if (!outOfLine || bytes <= Size()) kept.push_back(raw);
+            Raw read = {uint16_t(U16(e)), uint16_t(U16(e + 2)), U32(e + 4), e + 8};
+            if (read.type == 0) return false;
+            int size = TypeSize(read.type);
+            int64_t bytes = int64_t(read.count) * size;
+            bool outOfLine = size != 0 && read.count > 0 && (size == 8 || bytes > 4);
+            if (!outOfLine || bytes <= Size()) kept.push_back(read);
         }
         if (kept.empty()) return false;
-        for (const Raw &raw : kept) {
-            if (!Entry(raw.tag, raw.type, raw.count, raw.field, place)) return false;
+        for (const Raw &entry : kept) {
+            if (!Entry(entry.tag, entry.type, entry.count, entry.field, place)) return false;
         }
         *link = complete == count && Has(at + 2 + 12 * int64_t(count), 4) ? U32(at + 2 + 12 * int64_t(count)) : 0;
         return true;
