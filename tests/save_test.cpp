@@ -196,7 +196,7 @@ const Shape kShapes[] = {
     {"a file mounted over the name, where mounting is allowed",
      [](const TempDir &dir, const std::string &photo) {
          const std::string name = dir.Write("mounted.jpg", {});
-         return mount(photo.c_str(), name.c_str(), nullptr, MS_BIND, nullptr) == 0 ? name : photo;
+         return mount(photo.c_str(), name.c_str(), "none", MS_BIND, nullptr) == 0 ? name : photo;
      }},
     {"another user's file",
      [](const TempDir &, const std::string &photo) {
