@@ -200,6 +200,8 @@ TEST(Tool, EverydayJobsChangeWhatTheySay)
         {{"thumbnail", "remove", "F"}, 0, 1, 259, "-"},
         {{"copy-exif", "F", "T"}, 0, IFD_EXIF, 33434, Rationals({1, 250})},
         {{"copy-exif", "T", "F"}, 0, IFD_GPS, 3, std::string("W\0", 2)},
+        {{"copy-exif", "T", "P"}, 0, IFD_EXIF, 33434, Rationals({1, 250})},
+        {{"copy-exif", "T", "P"}, 0, IFD_EXIF, 50000, "-"},
     };
     Bytes xmp = {'h', 't', 't', 'p', ':', '/', '/', 'n', 's', '.', 'a', 'd', 'o', 'b', 'e', '.', 'c', 'o', 'm', '/', 'x', 'a', 'p',
                  '/', '1', '.', '0', '/', 0, '<', 'x', '/', '>'};
@@ -215,8 +217,9 @@ TEST(Tool, EverydayJobsChangeWhatTheySay)
         TempDir dir;
         const std::string photo = dir.Write("photo.jpg", rich), tiff = dir.Write("kinds.tif", ValueKinds());
         const std::string bad = dir.Write("bad.jpg", JpegOf({{Ascii(306, "2024:13:01 00:00:00")}}));
+        const std::string plainTiff = dir.Write("plain.tif", Layout({false, {{Short(274, 1)}}, {}, {}}));
         std::vector<std::string> arguments = job.arguments;
-        for (std::string &word : arguments) word = word == "F" ? photo : word == "T" ? tiff : word == "B" ? bad : word;
+        for (std::string &word : arguments) word = word == "F" ? photo : word == "T" ? tiff : word == "B" ? bad : word == "P" ? plainTiff : word;
         const Bytes before = ReadFile(arguments.back());
         ToolRun run = Tool(arguments);
         EXPECT_EQ(job.status, run.status) << arguments[0] << " " << arguments[1] << run.err;
