@@ -1,5 +1,6 @@
 #include "edit/audio_plan.h"
 
+#include <algorithm>
 #include <new>
 
 #include "edit/fpxr_format.h"
@@ -21,7 +22,7 @@ CMarker *PlanAudioChunks(int32_t fileSize)
     int32_t offset = 0;
     do {
         int32_t left = fileSize - offset;
-        int32_t chunk = left < FPXR_MAX_CHUNK ? left : FPXR_MAX_CHUNK;
+        int32_t chunk = std::min(left, FPXR_MAX_CHUNK);
         CMarker *node = new (std::nothrow) CMarker(FPXR_MARKER, chunk, offset);
         if (node == nullptr) {
             DeleteTree(first);

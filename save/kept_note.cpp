@@ -33,7 +33,7 @@ void NearestMoved(const CNode *first, int64_t from, int64_t *next)
 {
     for (const CNode *node = first; node != nullptr; node = node->m_next) {
         int64_t offset = MovedOffsetOf(node);
-        if (offset >= from && offset < *next) *next = offset;
+        if (offset >= from) *next = std::min(*next, offset);
         NearestMoved(node->m_child, from, next);
     }
 }
@@ -85,7 +85,7 @@ int64_t NoteReach(const CTag *note, int64_t size, int bigEndian, int64_t sourceS
 void TurnValue(unsigned char *bytes, int64_t size, uint32_t type)
 {
     int unit = TiffTypeSize(type) == 2 ? 2 : TiffTypeSize(type) >= 4 ? 4 : 1;
-    for (int64_t i = 0; unit > 1 && i + unit <= size; i += unit) std::reverse(bytes + i, bytes + i + unit);
+    for (int64_t i = 0; i + unit <= size; i += unit) std::reverse(bytes + i, bytes + i + unit);
 }
 
 void TurnEntry(unsigned char *note, int64_t size, int64_t noteAt, unsigned char *entry)
@@ -127,7 +127,7 @@ int FindKeptNote(CNode *header, int64_t sourceSize, KeptNote *kept)
         int64_t size = note != nullptr ? OutOfLineSize(note) : 0;
         if (note == nullptr || !HoldsSourceValue(note, size)) continue;
         int64_t end = note->m_value + size;
-        int64_t next = sourceSize > end ? sourceSize : end;
+        int64_t next = std::max(sourceSize, end);
         NearestMoved(header, end, &next);
         next = std::max(next, NoteReach(note, size, bigEndian, sourceSize));
         kept->m_tag = note;

@@ -1,5 +1,6 @@
 #include "streams/file_stream.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -43,9 +44,9 @@ uint32_t CFileObj::ReadBehindBuffer(unsigned char *buffer, uint32_t size)
     }
     int64_t got = ReadFileAt(file, m_pos, m_buffer, FILE_BUFFER_SIZE);
     m_bufferStart = m_pos;
-    m_bufferSize = got < 0 ? 0 : static_cast<uint32_t>(got);
+    m_bufferSize = static_cast<uint32_t>(std::max<int64_t>(got, 0));
     if (got < 0) return Fail();
-    uint32_t taken = size < m_bufferSize ? size : m_bufferSize;
+    uint32_t taken = std::min(size, m_bufferSize);
     std::memcpy(buffer, m_buffer, taken);
     m_pos += taken;
     return taken;
@@ -56,7 +57,7 @@ uint32_t CFileObj::Read(void *buffer, uint32_t size)
     unsigned char *out = static_cast<unsigned char *>(buffer);
     const unsigned char *held = nullptr;
     uint32_t got = Buffered(&held);
-    if (got > size) got = size;
+    got = std::min(got, size);
     if (got > 0) std::memcpy(out, held, got);
     m_pos += got;
     if (got < size) got += ReadBehindBuffer(out + got, size - got);

@@ -1,5 +1,6 @@
 #include "streams/growing_stream.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,7 +27,7 @@ int CGrowingStreamObj::Reserve(size_t end)
     if (end <= m_capacity) return 1;
     size_t capacity = m_capacity == 0 ? FIRST_CAPACITY : m_capacity;
     while (capacity < end) capacity *= 2;
-    if (capacity > MAX_SIZE) capacity = MAX_SIZE;
+    capacity = std::min(capacity, MAX_SIZE);
     void *grown = std::realloc(m_data, capacity);
     if (grown == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     m_data = static_cast<unsigned char *>(grown);
@@ -36,8 +37,8 @@ int CGrowingStreamObj::Reserve(size_t end)
 
 uint32_t CGrowingStreamObj::Read(void *buffer, uint32_t size)
 {
-    size_t left = m_pos < m_size ? m_size - m_pos : 0;
-    size_t count = size < left ? size : left;
+    size_t left = m_size - std::min(m_pos, m_size);
+    size_t count = std::min<size_t>(size, left);
     if (count > 0) std::memcpy(buffer, m_data + m_pos, count);
     m_pos += count;
     return static_cast<uint32_t>(count);

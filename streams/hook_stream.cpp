@@ -1,5 +1,6 @@
 #include "streams/hook_stream.h"
 
+#include <algorithm>
 #include <cstdint>
 
 uint32_t CHookStreamObj::Read(void *buffer, uint32_t size)
@@ -19,7 +20,7 @@ int32_t CHookStreamObj::Seek(int whence, int32_t offset)
 {
     if (whence != 0) return m_parent->Seek(whence, offset);
     int64_t target = int64_t(m_start) + (offset < 0 ? 0 : offset);
-    if (target > INT32_MAX) target = INT32_MAX;
+    target = std::min<int64_t>(target, INT32_MAX);
     return m_parent->Seek(0, static_cast<int32_t>(target)) - m_start;
 }
 

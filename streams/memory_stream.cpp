@@ -1,11 +1,12 @@
 #include "streams/memory_stream.h"
 
+#include <algorithm>
 #include <cstring>
 
 uint32_t CStreamObj::Read(void *buffer, uint32_t size)
 {
     uint32_t left = static_cast<uint32_t>(m_end - m_pos);
-    uint32_t n = size < left ? size : left;
+    uint32_t n = std::min(size, left);
     if (n == 0) return 0;
     std::memcpy(buffer, m_pos, n);
     m_pos += n;
@@ -15,7 +16,7 @@ uint32_t CStreamObj::Read(void *buffer, uint32_t size)
 uint32_t CStreamObj::Write(const void *buffer, uint32_t size)
 {
     uint32_t left = static_cast<uint32_t>(m_end - m_pos);
-    uint32_t n = size < left ? size : left;
+    uint32_t n = std::min(size, left);
     if (n == 0) return 0;
     std::memcpy(m_pos, buffer, n);
     m_pos += n;
@@ -30,15 +31,13 @@ int32_t CStreamObj::Seek(int whence, int32_t offset)
 {
     switch (whence) {
     case 0:
-        if (offset > m_size) offset = m_size;
-        if (offset < 0) offset = 0;
+        offset = std::clamp(offset, 0, m_size);
         m_pos = m_begin + offset;
         return offset;
     case 1: {
         int32_t ahead = static_cast<int32_t>(m_end - m_pos);
         int32_t behind = static_cast<int32_t>(m_begin - m_pos);
-        int32_t distance = offset < ahead ? offset : ahead;
-        if (distance < behind) distance = behind;
+        int32_t distance = std::clamp(offset, behind, ahead);
         m_pos += distance;
         return distance;
     }

@@ -24,8 +24,7 @@ struct CExifDoc {
     CNode *FindMarker(int32_t id);
     CNode *FindIfd(uint32_t index);
     int CountIfds();
-    // A tag of the Exif IFD; parses the Exif block of m_exifMarker first when
-    // that block has never been parsed into the tree.
+    // A tag of the Exif IFD.
     CTag *FindExifTag(uint32_t tag);
 
     CNode *m_root = nullptr;
