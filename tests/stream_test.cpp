@@ -57,12 +57,6 @@ TEST(CachedFile, AnswersAsTheFileStreamDoes)
                 ASSERT_EQ(file->IsEof() != 0, cached.IsEof() != 0) << what;
             }
         }
-        CCachedFileObj cached;
-        ASSERT_EQ(1, cached.Open(path.c_str()));
-        unsigned char *view = nullptr;
-        EXPECT_EQ(size < 10 ? size : 10, cached.HeadView(0, 10, &view));
-        if (size > 0) EXPECT_EQ(content[0], view[0]);
-        EXPECT_EQ(0u, cached.HeadView(65530, 10, &view));
     }
 }
 
