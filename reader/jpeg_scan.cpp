@@ -17,11 +17,6 @@ constexpr unsigned char MARKER_APP2 = 0xE2;
 // FPXR entries the table has room for when the first segment comes.
 constexpr int32_t FPXR_TABLE_START = 16;
 
-int IsAppMarker(unsigned char code)
-{
-    return code >= 0xE0 && code <= 0xEF;
-}
-
 // Stuffed bytes, SOI and EOI carry no length field. The scan goes on behind
 // an EOI: a later segment before SOS still counts.
 int HasLength(unsigned char code)
@@ -72,28 +67,20 @@ int RecordAppSegment(CExifReader *reader, unsigned char code, const unsigned cha
 
 enum ScanStep { SCAN_GOES_ON, SCAN_ENDS, SCAN_OUT_OF_MEMORY };
 
-// Reads the length field and the signature, then goes to the end that the
-// length states, whatever came. A length of 0 or 1 leads back onto the length
-// field; the scan passes those bytes one at a time and moves on.
-ScanStep ScanAppSegment(CCachedFileObj *file, CExifReader *reader, unsigned char code)
+// Reads the length field and what may be a signature, then goes to the end
+// that the length states, whatever came. A length of 0 or 1 leads back onto
+// the length field; the scan passes those bytes one at a time and moves on.
+// The scan ends at the end of the file or at SOS.
+ScanStep ScanSegment(CCachedFileObj *file, CExifReader *reader, unsigned char code)
 {
     int32_t start = file->Tell();
     unsigned char head[6];
     uint32_t got = file->Read(head, 6);
-    if (got < 2) return SCAN_ENDS;
+    if (got < 2 || code == MARKER_SOS) return SCAN_ENDS;
     int32_t length = ReadU16(head, 1);
     if (got == 6 && !RecordAppSegment(reader, code, head + 2, length, start + 2)) return SCAN_OUT_OF_MEMORY;
     file->Seek(0, start + length);
     return SCAN_GOES_ON;
-}
-
-// The scan ends at the end of the file or behind SOS.
-ScanStep SkipSegment(CCachedFileObj *file, unsigned char code)
-{
-    unsigned char length[2];
-    if (file->Read(length, 2) < 2) return SCAN_ENDS;
-    file->Seek(1, int32_t(ReadU16(length, 1)) - 2);
-    return code != MARKER_SOS ? SCAN_GOES_ON : SCAN_ENDS;
 }
 
 }  // namespace
@@ -108,7 +95,7 @@ int ScanJpegSegments(CCachedFileObj *file, CExifReader *reader)
         unsigned char code;
         if (file->Read(&code, 1) == 0) return 1;
         if (!HasLength(code)) continue;
-        ScanStep step = IsAppMarker(code) ? ScanAppSegment(file, reader, code) : SkipSegment(file, code);
+        ScanStep step = ScanSegment(file, reader, code);
         if (step != SCAN_GOES_ON) return step == SCAN_ENDS;
     }
     return 1;
