@@ -1,5 +1,7 @@
 #include "edit/audio_walk.h"
 
+#include <algorithm>
+
 #include "streams/stream.h"
 #include "tree/document.h"
 
@@ -12,8 +14,7 @@ int32_t BytesOnFile(CStreamIO *stream, const CMarker *marker, int32_t size)
     if (stream == nullptr) return size;
     stream->Seek(2, 0);
     int64_t available = int64_t(stream->Tell()) - marker->m_offset;
-    if (available < 0) return 0;
-    return available < size ? static_cast<int32_t>(available) : size;
+    return static_cast<int32_t>(std::clamp<int64_t>(available, 0, size));
 }
 
 }  // namespace

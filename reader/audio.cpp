@@ -89,9 +89,7 @@ SegmentStep WriteSegment(CExifReader *reader, const AudioSegment &segment, const
         reader->m_hasAudio = 1;
         return STEP_WRITTEN;
     }
-    if (output->m_file == nullptr || output->m_remaining <= 0 || !ContinuesStream(segment, output->m_index)) {
-        return STEP_PASSED;
-    }
+    if (output->m_file == nullptr || !ContinuesStream(segment, output->m_index)) return STEP_PASSED;
     if (!WriteFrom(output->m_file, segment, FPXR_HEADER_SIZE)) output->m_writeFailed = 1;
     output->m_remaining -= segment.m_size - FPXR_HEADER_SIZE;
     return STEP_WRITTEN;

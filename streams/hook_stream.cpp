@@ -19,7 +19,7 @@ uint32_t CHookStreamObj::Write(const void *buffer, uint32_t size)
 int32_t CHookStreamObj::Seek(int whence, int32_t offset)
 {
     if (whence != 0) return m_parent->Seek(whence, offset);
-    int64_t target = int64_t(m_start) + (offset < 0 ? 0 : offset);
+    int64_t target = int64_t(m_start) + std::max(offset, 0);
     target = std::min<int64_t>(target, INT32_MAX);
     return m_parent->Seek(0, static_cast<int32_t>(target)) - m_start;
 }

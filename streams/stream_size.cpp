@@ -1,5 +1,7 @@
 #include "streams/stream_size.h"
 
+#include <algorithm>
+
 #include "streams/stream.h"
 
 int64_t StreamSize(CStreamIO *stream)
@@ -8,5 +10,5 @@ int64_t StreamSize(CStreamIO *stream)
     stream->Seek(2, 0);
     int32_t end = stream->Tell();
     stream->Seek(0, here);
-    return end < 0 ? 0 : end;
+    return std::max<int64_t>(end, 0);
 }
