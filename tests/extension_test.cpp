@@ -52,11 +52,11 @@ std::vector<std::string> TagsOf(const std::string &path, int ifd)
 }
 
 // A TIFF's Exif data goes over with its Interop IFD, which takes the place of
-// the target's own.
+// the target's own; a number that is no Exif tag stays behind.
 TEST(Tool, CopiesTheInteropIfdOfATiff)
 {
     TempDir dir;
-    const std::vector<Ifd> subs = {{Rational(33434, 1, 250), PointerTo(40965, 1)}, {Ascii(1, "R98"), Short(4097, 640)}};
+    const std::vector<Ifd> subs = {{Rational(33434, 1, 250), PointerTo(40965, 1), Short(50000, 1)}, {Ascii(1, "R98"), Short(4097, 640)}};
     const std::string source = dir.Write("source.tif", Layout({false, {{Short(274, 1), PointerTo(34665, 0)}}, subs, {}}));
     const Bytes targets[] = {Layout({false, {{Short(274, 1)}}, {}, {}}),
                              Layout({false, {{PointerTo(34665, 0)}}, {{PointerTo(40965, 1)}, {Ascii(1, "THM"), Short(4098, 9)}}, {}})};
@@ -65,6 +65,7 @@ TEST(Tool, CopiesTheInteropIfdOfATiff)
         const std::string command = "'" + std::string(ZEXIF_TOOL_PATH) + "' copy-exif '" + source + "' '" + into + "' -o '" + out + "'";
         ASSERT_EQ(0, std::system(command.c_str()));
         EXPECT_EQ(TagsOf(source, IFD_INTEROP), TagsOf(out, IFD_INTEROP));
+        EXPECT_EQ(2u, TagsOf(out, IFD_EXIF).size());
     }
 }
 

@@ -97,6 +97,25 @@ std::string Tag(const std::string &path, uint32_t tag)
     return ReaderValue(reader.get(), tag);
 }
 
+// A tag's bytes as the reader gives them, "-" for none; with marker, the
+// file's APPn and comment segments ("E0 FE") instead.
+const int MARKERS = -1;
+std::string At(const std::string &path, int ifd, uint32_t tag)
+{
+    if (ifd == MARKERS) {
+        std::string codes;
+        for (int code : MarkerCodes(*DocPtr(zExifLoadFile(path.c_str())))) {
+            if (code >= 0xE0) codes += (codes.empty() ? "" : " ") + std::string(1, "0123456789ABCDEF"[code >> 4]) + "0123456789ABCDEF"[code & 15];
+        }
+        return codes;
+    }
+    ReaderPtr reader(zRExifBeginRead(path.c_str()));
+    ExifTagValue value = {};
+    if (zRExifGetTagAt(reader.get(), ifd, tag, &value) != 0) return "-";
+    Bytes bytes = ValueBytes(value);
+    return std::string(bytes.begin(), bytes.end());
+}
+
 // Each command on a copy of the sample does what it says, as the library
 // reads the file afterwards.
 TEST(Tool, CommandsChangeWhatTheySay)
@@ -131,31 +150,11 @@ TEST(Tool, CommandsChangeWhatTheySay)
     EXPECT_EQ(std::string("Second", 7), Tag(plain, 272));
     Bytes copied = ReadFile(plain);
     EXPECT_NE(copied.end(), std::search(copied.begin(), copied.end(), xmp.begin(), xmp.end())) << "XMP stays";
-    RawFile raw = ReadRaw(copied);
-    EXPECT_EQ(2, std::count_if(raw.segments.begin(), raw.segments.end(), [](const RawSegment &s) { return s.code == 0xE1; }));
+    EXPECT_EQ("E1 E1", At(plain, MARKERS, 0));
     EXPECT_EQ(0, Tool({"strip", photo}).status);
     EXPECT_EQ("-", Tag(photo, 272));
     EXPECT_EQ(0, Tool({"remove-marker", plain, "0xE1"}).status);
     EXPECT_EQ("-", Tag(plain, 272));
-}
-
-// A tag's bytes as the reader gives them, "-" for none; with marker, the
-// file's APPn and comment segments ("E0 FE") instead.
-const int MARKERS = -1;
-std::string At(const std::string &path, int ifd, uint32_t tag)
-{
-    if (ifd == MARKERS) {
-        std::string codes;
-        for (int code : MarkerCodes(*DocPtr(zExifLoadFile(path.c_str())))) {
-            if (code >= 0xE0) codes += (codes.empty() ? "" : " ") + std::string(1, "0123456789ABCDEF"[code >> 4]) + "0123456789ABCDEF"[code & 15];
-        }
-        return codes;
-    }
-    ReaderPtr reader(zRExifBeginRead(path.c_str()));
-    ExifTagValue value = {};
-    if (zRExifGetTagAt(reader.get(), ifd, tag, &value) != 0) return "-";
-    Bytes bytes = ValueBytes(value);
-    return std::string(bytes.begin(), bytes.end());
 }
 
 std::string Rationals(std::vector<uint32_t> numbers)
@@ -164,9 +163,9 @@ std::string Rationals(std::vector<uint32_t> numbers)
 }
 
 // Each job on a copy of the sample (F, with a comment and an XMP packet), of
-// the value kinds (T), of a plain TIFF (P) or of a file with a bad date (B),
-// checked through the library in the last file; a dry run, a refused value or
-// nothing to do leaves the file byte for byte.
+// the value kinds (T) or of a file with a bad date (B), checked through the
+// library in the last file; a dry run, a refused value or nothing to do leaves
+// the file byte for byte.
 TEST(Tool, EverydayJobsChangeWhatTheySay)
 {
     const std::string same = "=";
@@ -200,8 +199,6 @@ TEST(Tool, EverydayJobsChangeWhatTheySay)
         {{"thumbnail", "remove", "F"}, 0, 1, 259, "-"},
         {{"copy-exif", "F", "T"}, 0, IFD_EXIF, 33434, Rationals({1, 250})},
         {{"copy-exif", "T", "F"}, 0, IFD_GPS, 3, std::string("W\0", 2)},
-        {{"copy-exif", "T", "P"}, 0, IFD_EXIF, 33434, Rationals({1, 250})},
-        {{"copy-exif", "T", "P"}, 0, IFD_EXIF, 50000, "-"},
     };
     Bytes xmp = {'h', 't', 't', 'p', ':', '/', '/', 'n', 's', '.', 'a', 'd', 'o', 'b', 'e', '.', 'c', 'o', 'm', '/', 'x', 'a', 'p',
                  '/', '1', '.', '0', '/', 0, '<', 'x', '/', '>'};
@@ -217,9 +214,8 @@ TEST(Tool, EverydayJobsChangeWhatTheySay)
         TempDir dir;
         const std::string photo = dir.Write("photo.jpg", rich), tiff = dir.Write("kinds.tif", ValueKinds());
         const std::string bad = dir.Write("bad.jpg", JpegOf({{Ascii(306, "2024:13:01 00:00:00")}}));
-        const std::string plainTiff = dir.Write("plain.tif", Layout({false, {{Short(274, 1)}}, {}, {}}));
         std::vector<std::string> arguments = job.arguments;
-        for (std::string &word : arguments) word = word == "F" ? photo : word == "T" ? tiff : word == "B" ? bad : word == "P" ? plainTiff : word;
+        for (std::string &word : arguments) word = word == "F" ? photo : word == "T" ? tiff : word == "B" ? bad : word;
         const Bytes before = ReadFile(arguments.back());
         ToolRun run = Tool(arguments);
         EXPECT_EQ(job.status, run.status) << arguments[0] << " " << arguments[1] << run.err;
