@@ -12,7 +12,7 @@ namespace {
 int WriteSegmentFrom(FILE *out, const FpxrSegment &segment, int32_t from)
 {
     size_t count = static_cast<size_t>(segment.m_size - from);
-    return std::fwrite(segment.m_data + from, 1, count, out) == count ? 1 : 0;
+    return std::fwrite(segment.m_data + from, 1, count, out) == count;
 }
 
 }  // namespace

@@ -48,5 +48,5 @@ void ConsumeContinuation(AudioTrack &track, const FpxrSegment &segment)
 
 int IsTrackComplete(const AudioTrack &track)
 {
-    return track.m_remaining <= 0 ? 1 : 0;
+    return track.m_remaining <= 0;
 }

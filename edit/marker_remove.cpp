@@ -14,7 +14,7 @@ int SignatureMatches(const CMarker *marker, uint32_t signature)
     if (marker->m_sig == nullptr) return 0;
     const unsigned char *sig = reinterpret_cast<const unsigned char *>(marker->m_sig);
     uint32_t value = uint32_t(sig[0]) | uint32_t(sig[1]) << 8 | uint32_t(sig[2]) << 16 | uint32_t(sig[3]) << 24;
-    return value == signature ? 1 : 0;
+    return value == signature;
 }
 
 // Every APP1 goes, whatever it holds, and with it the document's thumbnail

@@ -62,7 +62,7 @@ int CopyFromSource(const ThumbSource &source, int64_t offset, int32_t size, unsi
         return 1;
     }
     source.stream->Seek(0, static_cast<int32_t>(source.base + offset));
-    return source.stream->Read(block, static_cast<uint32_t>(size)) == static_cast<uint32_t>(size) ? 1 : 0;
+    return source.stream->Read(block, static_cast<uint32_t>(size)) == static_cast<uint32_t>(size);
 }
 
 }  // namespace

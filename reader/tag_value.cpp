@@ -60,6 +60,6 @@ int LocateValue(CStreamIO *stream, int64_t base, uint32_t offset, int64_t size, 
 int ReadValueAt(CStreamIO *stream, int32_t position, unsigned char *buffer, uint32_t size)
 {
     stream->Seek(0, position);
-    return stream->Read(buffer, size) == size ? 1 : 0;
+    return stream->Read(buffer, size) == size;
 }
 

@@ -50,7 +50,7 @@ uint32_t CGrowingStreamObj::Write(const void *buffer, uint32_t size)
     if (m_pos > m_size) std::memset(m_data + m_size, 0, m_pos - m_size);
     std::memcpy(m_data + m_pos, buffer, size);
     m_pos += size;
-    if (m_pos > m_size) m_size = m_pos;
+    m_size = std::max(m_size, m_pos);
     return size;
 }
 

@@ -31,5 +31,5 @@ int32_t CHookStreamObj::Tell()
 
 int CHookStreamObj::IsEof()
 {
-    return int64_t(m_parent->Tell()) >= int64_t(m_start) + int64_t(m_size) ? 1 : 0;
+    return int64_t(m_parent->Tell()) >= int64_t(m_start) + int64_t(m_size);
 }

@@ -70,5 +70,5 @@ uint32_t CStreamObj::Buffered(const unsigned char **bytes)
 
 int CStreamObj::IsEof()
 {
-    return m_pos >= m_end ? 1 : 0;
+    return m_pos >= m_end;
 }
