@@ -133,8 +133,8 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
     TempDir dir;
     DocPtr doc(zExifLoadFile(dir.Write("photo.jpg", JpegOf({{kMake}})).c_str()));
     uint8_t byte = 0xFF;
-    ExifBuffer empty = {&byte, 0}, one = {&byte, 1};
-    EXPECT_EQ(-1, zExifSetThumbnailData(doc.get(), &empty));
+    ExifBuffer empty = {&byte, 0}, one = {&byte, 1}, none = {nullptr, 1};
+    for (const ExifBuffer *refused : {&empty, &none, static_cast<ExifBuffer *>(nullptr)}) EXPECT_EQ(-1, zExifSetThumbnailData(doc.get(), refused));
     EXPECT_EQ(-1, zExifSetThumbDataEx(doc.get(), &one, THUMB_TYPE_JPEG));
     EXPECT_EQ(0, zExifIsThumbnailExist(doc.get()));
     ExifBuffer out = {&byte, 1};
