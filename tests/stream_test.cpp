@@ -68,7 +68,7 @@ TEST(WidePath, OpensFilesNamedInSixteenBitCharacters)
         std::u16string wide;
         const char *utf8;
     } conversions[] = {{u"\U0001F600.jpg", "\xf0\x9f\x98\x80.jpg"},
-                       {u"\U0010FFFF", "\xf4\x8f\xbf\xbf"},
+                       {u"\U00010000\U0010FFFF", "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
                        {u"\u007f\u0080\u07ff\u0800\uffff", "\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"}};
     for (const auto &c : conversions) {
         std::string out;
