@@ -49,12 +49,13 @@ uint32_t CCachedFileObj::ReadFile(int64_t position, unsigned char *buffer, uint3
     return static_cast<uint32_t>(got);
 }
 
+// The head grows a step at a time, at least to end and at most to its limit.
 // A short read is the end of the file: the head holds all of it then.
 int CCachedFileObj::ExtendHead(int64_t end)
 {
     if (end > FILE_HEAD_LIMIT) return 0;
     if (end <= m_headSize || m_headComplete) return 1;
-    auto target = static_cast<uint32_t>(std::min<int64_t>(std::max<int64_t>(m_headSize + FILE_HEAD_STEP, end), FILE_HEAD_LIMIT));
+    auto target = static_cast<uint32_t>(std::clamp<int64_t>(m_headSize + FILE_HEAD_STEP, end, FILE_HEAD_LIMIT));
     uint32_t asked = target - m_headSize;
     uint32_t got = ReadFile(m_headSize, m_head + m_headSize, asked);
     m_headSize += got;
