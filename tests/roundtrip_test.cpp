@@ -26,6 +26,7 @@ TEST(GeneratedFiles, LoadReadersAndSaveAgreeWithARawReading)
         CheckFile(CameraJpeg(Layout(RandomBlock(rng, false)), rng), "generated JPEG " + std::to_string(seed));
         CheckFile(Layout(RandomBlock(rng, true)), "generated TIFF " + std::to_string(seed));
     }
+    CheckFile(Jpeg({{0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 0}}}, {}), "an Exif block too short for an IFD");
 }
 
 TEST(GeneratedFiles, EditsChangeWhatTheyAskAndNothingElse)

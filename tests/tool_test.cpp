@@ -148,8 +148,7 @@ TEST(Tool, CommandsChangeWhatTheySay)
                                                      {0xE1, xmp}, {0xDB, Bytes(65, 1)}}, {}));
     EXPECT_EQ(0, Tool({"copy-exif", photo, plain}).status);
     EXPECT_EQ(std::string("Second", 7), Tag(plain, 272));
-    Bytes copied = ReadFile(plain);
-    EXPECT_NE(copied.end(), std::search(copied.begin(), copied.end(), xmp.begin(), xmp.end())) << "XMP stays";
+    EXPECT_NE(std::string::npos, Text(plain).find(std::string(xmp.begin(), xmp.end()))) << "XMP stays";
     EXPECT_EQ("E1 E1", At(plain, MARKERS, 0));
     EXPECT_EQ(0, Tool({"strip", photo}).status);
     EXPECT_EQ("-", Tag(photo, 272));

@@ -64,9 +64,11 @@ Bytes SegmentBytes(const Bytes &file, const RawSegment &s)
     return Bytes(file.begin() + s.offset, file.begin() + s.offset + s.size);
 }
 
-bool IsExifSegment(const Bytes &file, const RawSegment &s)
+// An APP1 of an Exif block: a load parses one of 14 bytes or more, the
+// reader takes any that opens with the signature.
+bool IsExifSegment(const Bytes &file, const RawSegment &s, int64_t least = 14)
 {
-    return s.code == 0xE1 && s.size >= 14 && std::memcmp(&file[size_t(s.offset)], "Exif", 4) == 0;
+    return s.code == 0xE1 && s.size >= least && std::memcmp(&file[size_t(s.offset)], "Exif", 4) == 0;
 }
 
 // Every segment but the Exif blocks, with its payload: what a save copies.
@@ -99,7 +101,7 @@ RawTag Want(const RawTag *expected, uint32_t tag)
 // it lacks.
 void CheckTreeLookups(CExifDoc *doc, const std::vector<RawTag> &tags, const std::string &label)
 {
-    std::vector<std::pair<uint32_t, int>> asked = {{65001, 0}};
+    std::vector<std::pair<uint32_t, int>> asked = {{65001, 0}, {42016, 0}};
     for (const RawTag &t : tags) {
         int ifd = std::atoi(t.place.c_str() + 3);
         asked.insert(asked.end(), {{t.tag, ifd}, {t.tag, ifd + 1}});
@@ -131,7 +133,7 @@ void CheckReader(const std::string &path, const Bytes &file, const RawFile &raw,
     ReaderPtr reader(zRExifBeginRead(path.c_str()));
     ASSERT_NE(nullptr, reader) << label;
     EXPECT_EQ(raw.format, zRExifGetFileFormat(reader.get())) << label;
-    bool hasExif = std::any_of(raw.segments.begin(), raw.segments.end(), [&](const RawSegment &s) { return IsExifSegment(file, s); }) ||
+    bool hasExif = std::any_of(raw.segments.begin(), raw.segments.end(), [&](const RawSegment &s) { return IsExifSegment(file, s, 4); }) ||
                 std::any_of(raw.tags.begin(), raw.tags.end(), [](const RawTag &t) {
                     return (t.tag == 34665 || t.tag == 34853) && t.count > 0 && IsChainPlace(t.place);
                 });
@@ -155,7 +157,7 @@ void CheckReader(const std::string &path, const Bytes &file, const RawFile &raw,
     ExifBuffer marker = {};
     Bytes payload;  // zeros where the file ends
     for (const RawSegment &s : raw.segments) {
-        if (!IsExifSegment(file, s)) continue;
+        if (!IsExifSegment(file, s, 4)) continue;
         payload.assign(file.begin() + s.offset, file.begin() + std::min<int64_t>(s.offset + s.size, int64_t(file.size())));
         payload.resize(size_t(s.size));
     }
