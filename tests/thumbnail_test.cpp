@@ -153,18 +153,18 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
     EXPECT_EQ(-1, zExifSetThumbnailData(tiff.get(), &buffer));
     EXPECT_EQ(0, zExifIsThumbnailExist(tiff.get()));
     // A frame header (here of the last kind, SOF15) cut right behind the
-    // image's width still tells it, also behind a restart marker, which has
+    // image's width still tells it, also behind restart markers, which have
     // no length.
-    Bytes cut = {0xFF, 0xD8, 0xFF, 0xD7, 0xFF, 0xCF, 0, 17, 8, 0, 120, 0, 160};
-    for (uint32_t size : {12u, 13u}) {
+    Bytes cut = {0xFF, 0xD8, 0xFF, 0xD0, 0xFF, 0xD7, 0xFF, 0xCF, 0, 17, 8, 0, 120, 0, 160};
+    for (uint32_t size : {14u, 15u}) {
         buffer = {cut.data(), size};
-        EXPECT_EQ(size == 13 ? 0 : -1, zExifSetThumbnailData(tiff.get(), &buffer)) << size;
+        EXPECT_EQ(size == 15 ? 0 : -1, zExifSetThumbnailData(tiff.get(), &buffer)) << size;
     }
-    for (size_t at : {9, 11}) {
+    for (size_t at : {0, 2, 12, 14}) {
         Bytes flat = cut;
-        flat[at] = flat[at + 1] = 0;
-        buffer = {flat.data(), 13};
-        EXPECT_EQ(-1, zExifSetThumbnailData(tiff.get(), &buffer)) << "an image of no height or width";
+        flat[at] = 0;
+        buffer = {flat.data(), 15};
+        EXPECT_EQ(-1, zExifSetThumbnailData(tiff.get(), &buffer)) << "no SOI, a stray byte, no height or width: " << at;
     }
 }
 
