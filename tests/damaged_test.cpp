@@ -56,8 +56,11 @@ const Hostile kHostile[] = {
     {"an Exif pointer with the top bit set", {{30, 0xFFFFFFF0, 4}}, {271, 270}},
     {"a first IFD offset with the top bit set", {{4, 0x80000008, 4}}, {}},
     {"counts larger than the stream", {{14, 0xFFFFFFFF, 4}, {82, 0x20000001, 4}, {94, 1000000, 4}}, {270}},
-    {"values behind the end", {{18, 130, 4}, {86, 0x7FFFFFF0, 4}}, {270, 36867}},
+    {"values behind the end", {{18, 130, 4}, {86, 0x7FFFFFFF, 4}}, {270, 36867}},
     {"IFDs behind the end", {{34, 0x7FFFFFF0, 4}, {30, 0x00FFFFF0, 4}}, {271}},
+    {"a link to the last offset 31 bits name", {{34, 0x7FFFFFFF, 4}}, {271, 33434, 36867}},
+    {"a link to the end of the block", {{34, 134, 4}}, {271, 33434, 36867}},
+    {"a value as large as the block", {{14, 134, 4}}, {270, 33434, 36867}},
     {"type 0 ends the chain", {{24, 0, 2}}, {271}},
     {"an entry count with its top bit set", {{46, 0x8001, 2}}, {271, 33434, 36867}},
 };
