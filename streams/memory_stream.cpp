@@ -42,16 +42,9 @@ int32_t CStreamObj::Seek(int whence, int32_t offset)
         return distance;
     }
     case 2:
-        if (offset > 0) {
-            m_pos = m_end;
-            return 0;
-        }
-        if (offset >= -m_size) {
-            m_pos = m_end + offset;
-            return offset;
-        }
-        m_pos = m_begin;
-        return -m_size;
+        offset = std::clamp(offset, -m_size, 0);
+        m_pos = m_end + offset;
+        return offset;
     default:
         return offset;
     }

@@ -8,6 +8,7 @@
 #include "platform/utf16.h"
 #include "reader/cached_file.h"
 #include "streams/file_stream.h"
+#include "streams/growing_stream.h"
 #include "support/files.h"
 #include "support/tree_records.h"
 #include "zexif.h"
@@ -59,6 +60,26 @@ TEST(CachedFile, AnswersAsTheFileStreamDoes)
             }
         }
     }
+}
+
+// The block a save writes into reads back what was written, with zeros where
+// a seek passed the end before a write; seeks stay within 31 bits.
+TEST(GrowingStream, ReadsBackWhatWasWrittenAndZerosWhereASeekPassed)
+{
+    CGrowingStreamObj stream;
+    EXPECT_EQ(3u, stream.Write("abc", 3));
+    EXPECT_EQ(1, stream.IsEof());
+    EXPECT_EQ(0, stream.Seek(2, 2));
+    EXPECT_EQ(1u, stream.Write("d", 1));
+    EXPECT_EQ(0, stream.Seek(0, 0));
+    EXPECT_EQ(0, stream.IsEof());
+    char read[8] = {};
+    EXPECT_EQ(6u, stream.Read(read, 8));
+    EXPECT_EQ(std::string("abc\0\0d", 6), std::string(read, 6));
+    EXPECT_EQ(0, stream.Seek(1, 4));
+    EXPECT_EQ(0u, stream.Read(read, 8)) << "nothing lies behind the end";
+    EXPECT_EQ(0, stream.Seek(0, INT32_MAX));
+    for (int whence : {0, 1, 2, 3}) EXPECT_EQ(-1, stream.Seek(whence, whence == 0 ? -1 : INT32_MAX)) << whence;
 }
 
 // A path of 16-bit characters is read as one where the narrow reading can't
