@@ -8,6 +8,7 @@
 
 #include "platform/fault_point.h"
 #include "platform/file_replace.h"
+#include "platform/path_open.h"
 
 namespace {
 
@@ -66,7 +67,7 @@ int CopyOver(const std::string &temp, const CSaveTarget &target)
                       ReserveSpace(target.m_file, info.st_size);
     const int copied = ready && CopyContents(from, target.m_file, info.st_size, buffer);
     delete[] buffer;
-    if (from >= 0) close(from);
+    CloseDescriptor(from);
     if (copied || !ready) RemoveFile(kept);
     return copied;
 }

@@ -44,7 +44,7 @@ int OpenEitherReading(const void *path, int flags)
     if (creating && Utf16ToUtf8(path, converted)) return OpenDescriptor(converted.c_str(), flags);
     int file = OpenDescriptor(narrow, flags);
     if (creating || (file >= 0 && !IsDirectory(file))) return file;
-    if (file >= 0) close(file);
+    CloseDescriptor(file);
     if (!Utf16ToUtf8(path, converted)) return -1;
     return OpenDescriptor(converted.c_str(), flags);
 }
@@ -72,4 +72,9 @@ FILE *OpenPath(const void *path, const char *mode)
         return nullptr;
     }
     return file;
+}
+
+void CloseDescriptor(int file)
+{
+    if (file >= 0) close(file);
 }

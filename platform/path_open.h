@@ -12,4 +12,7 @@ FILE *OpenPath(const void *path, const char *mode);
 // reading opens a file.
 int OpenPathDescriptor(const void *path, int flags);
 
+// Closes file where it is one: -1 stands for none.
+void CloseDescriptor(int file);
+
 #endif

@@ -32,8 +32,3 @@ int64_t ReadOnlyFileSize(int file)
     if (fstat(file, &info) != 0) return -1;
     return info.st_size;
 }
-
-void CloseReadOnlyFile(int file)
-{
-    close(file);
-}

@@ -18,6 +18,4 @@ int64_t ReadFileAt(int file, int64_t position, void *buffer, uint32_t size);
 // The file's length; -1 when the system can't tell it.
 int64_t ReadOnlyFileSize(int file);
 
-void CloseReadOnlyFile(int file);
-
 #endif

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/fault_point.h"
+#include "platform/path_open.h"
 #include "platform/path_parts.h"
 
 namespace {
@@ -56,7 +57,7 @@ int OpenExisting(CSaveTarget *target)
 
 CSaveTarget::~CSaveTarget()
 {
-    if (m_file >= 0) close(m_file);
+    CloseDescriptor(m_file);
 }
 
 // What the system finds at path decides first, so that a device, a FIFO or a

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/fault_point.h"
+#include "platform/path_open.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ int PrepareNewFile(int file, const CSaveTarget &target, CTempFile *temp)
 
 CTempFile::~CTempFile()
 {
-    if (m_lock >= 0) close(m_lock);
+    CloseDescriptor(m_lock);
 }
 
 FILE *CreateTempFile(const std::string &path, const CSaveTarget &target, CTempFile *temp)

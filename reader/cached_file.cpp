@@ -4,12 +4,13 @@
 #include <cstring>
 
 #include "platform/failure_reason.h"
+#include "platform/path_open.h"
 #include "platform/read_only_file.h"
 #include "zexif.h"
 
 CCachedFileObj::~CCachedFileObj()
 {
-    if (m_file >= 0) CloseReadOnlyFile(m_file);
+    CloseDescriptor(m_file);
 }
 
 int CCachedFileObj::Open(const void *path)
@@ -98,7 +99,7 @@ uint32_t CCachedFileObj::ReadOutsideHead(unsigned char *bytes, uint32_t size)
     if (m_pos + size <= FILE_HEAD_LIMIT) {
         unsigned char *head = nullptr;
         got = HeadView(m_pos, size, &head);
-        if (got > 0) std::memcpy(bytes, head, got);
+        std::copy_n(head, got, bytes);
     } else if (size <= FILE_WINDOW_SIZE) {
         got = ReadThroughWindow(bytes, size);
     } else {

@@ -58,7 +58,7 @@ uint32_t CFileObj::Read(void *buffer, uint32_t size)
     const unsigned char *held = nullptr;
     uint32_t got = Buffered(&held);
     got = std::min(got, size);
-    if (got > 0) std::memcpy(out, held, got);
+    std::copy_n(held, got, out);
     m_pos += got;
     if (got < size) got += ReadBehindBuffer(out + got, size - got);
     if (got < size) m_eof = 1;
