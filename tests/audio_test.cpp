@@ -95,6 +95,8 @@ const AudioCase kCases[] = {
      {Head(First100(kAudio)), {0xE2, {'F', 'P', 'X', 'R', 0, 0, 2, 0, 4}}, Continuation(Part(kAudio, 100, 300))}, kAudio,
      1},
     {"many short continuations", ShortChunks(), kAudio, 0},
+    {"a stream complete in a continuation",
+     {Head(First100(kAudio)), Continuation(Part(kAudio, 100, 300)), Continuation({1}), Head(First100(kAudio))}, kAudio, 2},
     {"an empty continuation belongs to the stream",
      {Head(First100(kAudio)), Continuation({}), Continuation(Part(kAudio, 100, 300))}, kAudio, 0},
     {"a segment cut by the end of the file gives what came", {Head(First100(kAudio)), Continuation(Part(kAudio, 100, 300))},
