@@ -27,6 +27,7 @@ TEST(GeneratedFiles, LoadReadersAndSaveAgreeWithARawReading)
         CheckFile(Layout(RandomBlock(rng, true)), "generated TIFF " + std::to_string(seed));
     }
     CheckFile(Jpeg({{0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 0}}}, {}), "an Exif block too short for an IFD");
+    CheckFile(Jpeg({{0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0}}}, {}), "an Exif block of a header alone");
 }
 
 TEST(GeneratedFiles, EditsChangeWhatTheyAskAndNothingElse)
@@ -36,8 +37,7 @@ TEST(GeneratedFiles, EditsChangeWhatTheyAskAndNothingElse)
         CheckEdits(CameraJpeg(Layout(RandomBlock(rng, false)), rng), "generated JPEG " + std::to_string(seed));
         CheckEdits(Layout(RandomBlock(rng, true)), "generated TIFF " + std::to_string(seed));
     }
-    std::mt19937 rng(7);
-    CheckEdits(CameraJpeg({}, rng), "JPEG without Exif");
+    CheckEdits(JpegOf({}), "JPEG without Exif");
 }
 
 }  // namespace
