@@ -51,6 +51,6 @@ int FitsWithThumbnail(CExifDoc *doc, int64_t newSize)
     BlockSource inMemory;
     int64_t size = ComputeExifSize(inMemory, header);
     if (size < 0) return 1;
-    int64_t held = thumb->m_data != nullptr && thumb->m_size > 0 ? thumb->m_size : 0;
+    int64_t held = thumb->m_data != nullptr ? thumb->m_size : 0;
     return EXIF_SIGNATURE_SIZE + size - held + newSize <= THUMB_APP1_LIMIT;
 }

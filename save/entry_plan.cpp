@@ -52,9 +52,10 @@ int64_t SlotNumber(const CTag *tag)
     return tag->m_type == TIFF_SHORT ? int64_t(tag->m_value & 0xFFFF) : int64_t(tag->m_value);
 }
 
+// The offsets and sizes come from unsigned fields: none is negative.
 int InSource(const BlockSource &source, int64_t offset, int64_t size)
 {
-    return source.m_stream != nullptr && offset >= 0 && size >= 0 && offset + size <= source.m_size;
+    return source.m_stream != nullptr && offset + size <= source.m_size;
 }
 
 // The JPEG stream of tag 513 is carried when its bytes are in the tag or in
@@ -63,7 +64,7 @@ int PlanStream(CNode *owner, const BlockSource &source, ChainPlan *plan)
 {
     CTag *offset = FindChainEntry(owner, TAG_STREAM_OFFSET);
     if (offset == nullptr || !IsSingleNumber(offset)) return 1;
-    if (offset->m_data != nullptr && offset->m_size > 0) {
+    if (offset->m_data != nullptr) {
         plan->m_stream = offset;
         plan->m_streamSize = offset->m_size;
         return 1;

@@ -19,7 +19,7 @@ int CTag::CopyValue(void **data)
         bytes = static_cast<size_t>(m_count) * size;
     } else {
         source = m_data;
-        bytes = m_data != nullptr && m_size > 0 ? static_cast<size_t>(m_size) : 0;
+        bytes = m_data != nullptr ? static_cast<size_t>(m_size) : 0;
     }
     if (bytes == 0) {
         *data = nullptr;
