@@ -1,5 +1,7 @@
 #include "support/tree_records.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -27,14 +29,19 @@ RawTag Record(CTag *tag, const std::string &place)
     return record;
 }
 
+// The chain's count node holds the number of its entries, whatever edits
+// made them.
 void AddChain(CNode *owner, const std::string &place, std::vector<RawTag> &out)
 {
+    uint32_t entries = 0;
     for (CNode *node = owner->m_child; node != nullptr; node = node->m_next) {
         CTag *tag = AsTag(node);
         if (tag == nullptr) continue;
+        entries++;
         out.push_back(Record(tag, place));
         if (IsStructural(tag->m_child, NODE_ENTRY_COUNT)) AddChain(tag, place + "/" + std::to_string(tag->m_id), out);
     }
+    if (IsStructural(owner->m_child, NODE_ENTRY_COUNT)) EXPECT_EQ(entries, owner->m_child->m_value) << place;
 }
 
 void AddBlock(CNode *header, const std::string &prefix, std::vector<RawTag> &out)
