@@ -183,7 +183,8 @@ void CheckReader(const std::string &path, const Bytes &file, const RawFile &raw,
 
 // A save to a new file, then a second one of the same document, whose source
 // is closed by then: the segments of a JPEG and the strips of a TIFF were
-// copied from it, never held, so that save fails and leaves no file.
+// copied from it, never held, so that save fails and leaves no file, unless
+// the TIFF has no strip bytes to copy.
 void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempDir &dir, const std::string &label)
 {
     std::string out = dir.Path(raw.format == 1 ? "saved.jpg" : "saved.tif");
@@ -215,7 +216,8 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
     EXPECT_EQ(raw.thumbnail, DocThumbnail(doc)) << label << ": after the save";
     std::string second = dir.Path("second");
     int result = zExifSaveFile(doc, second.c_str());
-    EXPECT_EQ(raw.format == 2 && raw.images.empty() ? 0 : -1, result) << label;
+    bool noStrips = std::all_of(raw.images.begin(), raw.images.end(), [](const Bytes &image) { return image.empty(); });
+    EXPECT_EQ(raw.format == 2 && noStrips ? 0 : -1, result) << label;
     EXPECT_EQ(result == 0 ? saved : Bytes{}, ReadFile(second)) << label;
 }
 
