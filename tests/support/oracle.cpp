@@ -196,6 +196,7 @@ void CheckSave(CExifDoc *doc, const Bytes &file, const RawFile &raw, const TempD
     EXPECT_EQ(CopiedSegments(file, raw), CopiedSegments(saved, again)) << label;
     EXPECT_EQ(raw.thumbnail, again.thumbnail) << label;
     EXPECT_EQ(raw.images, again.images) << label;
+    if (!raw.note.empty()) EXPECT_EQ(raw.note, again.note) << label << ": the maker note's IFD";
     uint32_t exifAt = 0, gpsAt = 0;
     for (const RawTag &t : again.tags) {
         bool pointer = t.count == 1 && (t.type == 4 || t.type == 13);

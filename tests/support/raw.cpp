@@ -88,6 +88,10 @@ struct TiffReader {
             if (!Has(offset, bytes) || (segment >= 0 && offset + bytes > segment)) raw.cutValues.insert(raw.tags.size());
         }
         raw.tags.push_back(record);
+        if (tag == 37500 && !inEntry && place.find("IFD") == 0 && place.find("/34665") != std::string::npos &&
+            Has(offset, bytes) && raw.note.empty()) {
+            Note(offset, bytes);
+        }
         bool *seen = tag == 34665 ? &seenExif : tag == 34853 ? &seenGps : tag == 40965 ? &seenInterop : nullptr;
         if (seen == nullptr || *seen || (type != 4 && type != 13) || count != 1) return true;
         *seen = true;
@@ -98,6 +102,25 @@ struct TiffReader {
         // fails the load like any offset of that kind.
         uint32_t link = 0;
         return int64_t(target) < Size() && Ifd(target, place + "/" + std::to_string(tag), &link) && link <= 0x7FFFFFFFu;
+    }
+
+    void Note(int64_t note, int64_t size)
+    {
+        for (int64_t start : {0, 6, 8, 10, 12, 14, 18}) {
+            int64_t e = note + start + 2;
+            uint32_t count = start + 2 <= size ? U16(note + start) : 0;
+            if (start + 2 > size || count == 0 || count > 512 || start + 2 + 12 * int64_t(count) > size) continue;
+            bool known = true;
+            for (uint32_t i = 0; i < count; i++) known = known && TypeSize(U16(e + 12 * i + 2)) != 0;
+            for (uint32_t i = 0; known && i < count; i++, e += 12) {
+                uint16_t type = uint16_t(U16(e + 2));
+                int64_t bytes = int64_t(U32(e + 4)) * TypeSize(type), offset = U32(e + 8);
+                bool inEntry = TypeSize(type) != 8 && bytes <= 4, inNote = offset >= note && offset + bytes <= note + size;
+                raw.note.push_back({"note", uint16_t(U16(e)), type, U32(e + 4),
+                                    inEntry ? Fetch(e + 8, bytes, type) : inNote ? Fetch(offset, bytes, type) : Bytes()});
+            }
+            if (known) return;
+        }
     }
 
     bool Block(const std::string &prefix, bool *bigEndian)

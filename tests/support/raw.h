@@ -50,6 +50,10 @@ struct RawFile {
     std::vector<std::string> cutIfds;
     std::set<size_t> cutValues;
     Bytes thumbnail;  // the JPEG stream of IFD 1 in the first block
+    // The entries of the IFD in the first block's maker note, found where a
+    // save looks for it, with the values that lie in the note: a save turns
+    // them little-endian, so they read the same after it.
+    std::vector<RawTag> note;
     std::vector<Bytes> images;  // TIFF: each chain IFD's strips, one after the other
 };
 RawFile ReadRaw(const Bytes &file);
