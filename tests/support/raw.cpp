@@ -88,10 +88,8 @@ struct TiffReader {
             if (!Has(offset, bytes) || (segment >= 0 && offset + bytes > segment)) raw.cutValues.insert(raw.tags.size());
         }
         raw.tags.push_back(record);
-        if (tag == 37500 && !inEntry && place.find("IFD") == 0 && place.find("/34665") != std::string::npos &&
-            Has(offset, bytes) && raw.note.empty()) {
-            Note(offset, bytes);
-        }
+        bool exifNote = tag == 37500 && !inEntry && place.find("IFD") == 0 && place.find("/34665") != std::string::npos;
+        if (exifNote && Has(offset, bytes) && raw.note.empty()) Note(offset, bytes);
         bool *seen = tag == 34665 ? &seenExif : tag == 34853 ? &seenGps : tag == 40965 ? &seenInterop : nullptr;
         if (seen == nullptr || *seen || (type != 4 && type != 13) || count != 1) return true;
         *seen = true;
