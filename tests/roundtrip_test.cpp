@@ -43,6 +43,7 @@ TEST(GeneratedFiles, LoadReadersAndSaveAgreeWithARawReading)
     CheckFile(Jpeg({{0xE1, {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0}}}, {}), "an Exif block of a header alone");
     CheckFile(Layout({false, {{Short(256, 1), Typed(273, 4, 0, {}), Typed(279, 4, 0, {})}}, {}, {}}), "a TIFF of no strips");
     CheckFile(BigEndianNote(), "a big-endian maker note");
+    CheckFile(JpegOf({{Ascii(271, "Cam")}, {Long(513, 1), Long(514, 1)}}), "a thumbnail of one byte at offset 1");
 }
 
 TEST(GeneratedFiles, EditsChangeWhatTheyAskAndNothingElse)

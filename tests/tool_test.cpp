@@ -235,8 +235,7 @@ TEST(Tool, ManyFilesComeOutInOrder)
     EXPECT_EQ("file,format,exif,thumbnail,audio,camera,lens,date,exposure,fNumber,iso,focalLength,imageSize,orientation,gps,artist,"
               "copyright\n" + tiff + ",TIFF,yes,no,no,Maker,Lens 50,2024:02:29 23:59:59,1/250 s,f/2.8,400,50.0 mm (35 mm equivalent: "
               "75 mm),4000x3000,Rotate 90 CW,\"48.858333, -2.335417, -3.5 m\",\"Ann, \"\"A\"\"\",(c) Ann\n" + photo +
-                  ",JPEG,yes,yes,no,zExifLib make_sample,,2026:11:23 06:00:00,1/250 s,f/2.8,100,,,,,,\n",
-              csv.out);
+                  ",JPEG,yes,yes,no,zExifLib make_sample,,2026:11:23 06:00:00,1/250 s,f/2.8,100,,,,,,\n", csv.out);
     ToolRun json = Tool({"get", "--json", "-t", "GPSPosition", "-t", "Artist", tiff, photo});
     FILE *jq = popen(("jq -c '[.[].tags[] | .value // .missing]' >" + dir.Path("jq.out")).c_str(), "w");
     fputs(json.out.c_str(), jq);
