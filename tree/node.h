@@ -61,7 +61,7 @@ public:
     int AdoptData(unsigned char *data, int32_t size);
 
     int32_t m_state = BLOCK_NOTHING;
-    unsigned char *m_data = nullptr;  // new[] buffer of m_size bytes, never none
+    unsigned char *m_data = nullptr;  // new[] buffer of m_size bytes, at least one
     int32_t m_offset = 0;
     int32_t m_size = 0;
 };
