@@ -14,7 +14,7 @@ Bytes BigEndianNote()
     const Bytes note = {'Z', 'N', 'o', 't', 'e', 0, 0, 3, 0, 1, 0, 3, 0, 0, 0, 1, 1, 2, 0, 0, 0, 2, 0, 3, 0, 0, 0, 3,
                         0, 0, 0, 0, 0, 3, 0, 5, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0, 0, 7, 0, 0, 0, 9};
     Bytes block = Layout({true, {{PointerTo(34665, 0)}}, {{Typed(37500, 7, uint32_t(note.size()), note)}}, {}});
-    const uint32_t at = uint32_t(std::search(block.begin(), block.end(), note.begin(), note.begin() + 6) - block.begin());
+    const uint32_t at = uint32_t(block.size() - note.size());  // the block's last value
     Patch32(block, at + 28, at + 48, true);
     Patch32(block, at + 40, at + 54, true);
     return Jpeg({{0xE1, ExifPayload(block)}, {0xFE, {'n'}}}, {});

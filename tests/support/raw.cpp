@@ -107,7 +107,7 @@ struct TiffReader {
         for (int64_t start : {0, 6, 8, 10, 12, 14, 18}) {
             int64_t e = note + start + 2;
             uint32_t count = start + 2 <= size ? U16(note + start) : 0;
-            if (start + 2 > size || count == 0 || count > 512 || start + 2 + 12 * int64_t(count) > size) continue;
+            if (count == 0 || count > 512 || start + 2 + 12 * int64_t(count) > size) continue;
             bool known = true;
             for (uint32_t i = 0; i < count; i++) known = known && TypeSize(U16(e + 12 * i + 2)) != 0;
             for (uint32_t i = 0; known && i < count; i++, e += 12) {
