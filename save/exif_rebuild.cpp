@@ -42,14 +42,15 @@ int FitsSegment(int64_t size)
 
 // A maker note kept at its old offset may push the block past one segment
 // where edits grew what goes in front of it; the note then moves, as the
-// only way to save the block at all.
+// only way to save the block at all. A block that couldn't be measured keeps
+// its note where it is, or fails.
 int BuildPayload(CExifDoc *doc, CMarker *marker, CNode *header, const BlockSource &source,
                  unsigned char **payload, int32_t *payloadSize)
 {
     if (!LoadStripThumbnail(doc, header) || !BringThumbnailIn(doc, source, marker)) return 0;
     int keepMakerNote = 1;
     int64_t size = ComputeExifSize(source, header, keepMakerNote);
-    if (!FitsSegment(size)) size = ComputeExifSize(source, header, keepMakerNote = 0);
+    if (size > 0 && !FitsSegment(size)) size = ComputeExifSize(source, header, keepMakerNote = 0);
     if (!FitsSegment(size)) return NoteFailure(ZEXIF_ERROR_LIMIT);
     int32_t total = static_cast<int32_t>(size + EXIF_SIGNATURE_SIZE);
     unsigned char *block = new (std::nothrow) unsigned char[static_cast<size_t>(total)]();

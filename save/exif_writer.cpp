@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "load/tiff_types.h"
+#include "platform/failure_reason.h"
 #include "save/checked_io.h"
 #include "save/kept_note.h"
 #include "save/value_layout.h"
 #include "tree/node.h"
+#include "zexif.h"
 
 namespace {
 
@@ -152,10 +154,12 @@ int CExifWriter::WriteEntry(const ChainPlan &plan, const PlannedEntry &entry, in
     return tag == m_note.m_tag && m_bigEndianSource ? PutTurnedNote(at, size) : Put(at, tag->m_data, size);
 }
 
+// A measure takes the place only: it must not fail where the write won't.
 int CExifWriter::PutTurnedNote(int64_t at, int64_t size)
 {
+    if (m_out == nullptr) return Put(at, nullptr, size);
     unsigned char *note = new (std::nothrow) unsigned char[static_cast<size_t>(size)];
-    if (note == nullptr) return 0;
+    if (note == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     std::memcpy(note, m_note.m_tag->m_data, static_cast<size_t>(size));
     TurnNoteLittleEndian(note, size, at);
     int ok = Put(at, note, size);
@@ -199,7 +203,7 @@ int CExifWriter::WriteStrips(const ChainPlan &plan, const ChainSlots &slots, int
     // is refused at once rather than after gigabytes.
     if (*dataPos + StripListBytes(plan.m_strips) > INT32_MAX) return 0;
     uint32_t *values = new (std::nothrow) uint32_t[2 * static_cast<size_t>(count)];
-    if (values == nullptr) return 0;
+    if (values == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     uint32_t *offsets = values;
     uint32_t *counts = values + count;
     int ok = 1;
@@ -222,7 +226,7 @@ int CExifWriter::WriteStripArray(int64_t entryPos, int64_t arrayPos, const uint3
 {
     if (count == 1) return PutU32(entryPos + SLOT_OFFSET, values[0]);
     unsigned char *bytes = new (std::nothrow) unsigned char[4 * static_cast<size_t>(count)];
-    if (bytes == nullptr) return 0;
+    if (bytes == nullptr) return NoteFailure(ZEXIF_ERROR_MEMORY);
     for (int32_t k = 0; k < count; k++) StoreU32(bytes + 4 * k, values[k]);
     int ok = Put(arrayPos, bytes, 4 * int64_t(count));
     delete[] bytes;

@@ -12,7 +12,8 @@
 namespace {
 
 // Files in the shapes that take different roads: a JPEG with a thumbnail,
-// GPS and audio, a TIFF of strips, and a real file of each kind.
+// GPS and audio, a TIFF of strips, a real file of each kind, and a maker
+// note a save turns to little-endian.
 std::vector<Bytes> Subjects()
 {
     std::vector<Bytes> files;
@@ -32,6 +33,7 @@ std::vector<Bytes> Subjects()
             files.push_back(ReadFile(path));
         }
     }
+    files.push_back(BigEndianNote());
     return files;
 }
 

@@ -380,6 +380,17 @@ Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs, const 
     return CameraJpeg(chain.empty() ? Bytes{} : Layout({false, chain, subs, blobs}), rng);
 }
 
+Bytes BigEndianNote()
+{
+    const Bytes note = {'Z', 'N', 'o', 't', 'e', 0, 0, 3, 0, 1, 0, 3, 0, 0, 0, 1, 1, 2, 0, 0, 0, 2, 0, 3, 0, 0, 0, 3,
+                        0, 0, 0, 0, 0, 3, 0, 5, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0, 0, 7, 0, 0, 0, 9};
+    Bytes block = Layout({true, {{PointerTo(34665, 0)}}, {{Typed(37500, 7, uint32_t(note.size()), note)}}, {}});
+    const uint32_t at = uint32_t(block.size() - note.size());  // the block's last value
+    Patch32(block, at + 28, at + 48, true);
+    Patch32(block, at + 40, at + 54, true);
+    return Jpeg({{0xE1, ExifPayload(block)}, {0xFE, {'n'}}}, {});
+}
+
 Bytes ThumbnailBytes(size_t size, uint8_t seed)
 {
     static const Bytes frame = {0xFF, 0xC4, 0, 3, 0, 0xFF, 0xC0, 0, 17, 8, 0, 120, 0, 160, 3, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};

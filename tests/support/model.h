@@ -68,6 +68,10 @@ Bytes CameraJpeg(const Bytes &block, std::mt19937 &rng);
 // The same, always alike, around a little-endian block of these IFDs (no
 // APP1 when there are none).
 Bytes JpegOf(const std::vector<Ifd> &chain, const std::vector<Ifd> &subs = {}, const std::vector<Bytes> &blobs = {});
+// A JPEG whose big-endian block has a maker note that holds an IFD behind a
+// signature, with a value in an entry and values of two and eight bytes in
+// the note.
+Bytes BigEndianNote();
 Bytes ScanData(std::mt19937 &rng, size_t size);
 // A JPEG stream fit to be a thumbnail: SOI, a table and a frame header of
 // 160 x 120 where the size leaves room for them, filler, EOI.
