@@ -38,6 +38,8 @@ const ReaderCase kCases[] = {
     {"of two Exif segments the last counts",
      JpegOfPieces({ExifSegment({Ascii(271, "First")}), ExifSegment({Ascii(271, "Second")})}),
      {{271, std::string("Second", 7)}}},
+    {"of two entries of one number the first answers",
+     JpegOfPieces({ExifSegment({PointerTo(34665, 0)}, {{Ascii(36867, "One"), Ascii(36867, "Two")}})}), {{36867, std::string("One", 4)}}},
     {"an Exif segment behind the first scan is not seen", JpegOfPieces({kSos, ExifSegment({Ascii(271, "Late")})}),
      {{271, "-"}}},
     {"a thumbnail offset in IFD 0 doesn't end the scan of its entries",
