@@ -139,6 +139,9 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
     EXPECT_EQ(0, zExifIsThumbnailExist(doc.get()));
     ExifBuffer out = {&byte, 1};
     EXPECT_EQ(-1, zExifGetThumbnailData(doc.get(), &out));
+    ExifTagValue unsized = {0x10000, 1, &byte};
+    ASSERT_EQ(0, zExifSetTag(doc.get(), 700, &unsized, 0)) << "no save can size the block, so no estimate refuses";
+    ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &one));
     ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &one));
     EXPECT_EQ(-1, zExifGetThumbDataEx(doc.get(), &out, 0x400));
     ASSERT_EQ(0, zExifGetThumbDataEx(doc.get(), &out, THUMB_TYPE_JPEG));
