@@ -132,13 +132,21 @@ int AddThumbnailWithApp1(CExifDoc *doc, const ExifBuffer *buffer)
     return FinishThumbnail(doc, buffer);
 }
 
+// A tag 513 without a length in its IFD is no thumbnail a save writes, so a
+// new one is not put in its place.
+int HasLengthBeside(const CTag *thumb)
+{
+    return thumb != nullptr && thumb->m_parent != nullptr &&
+           AsTag(FindInChain(thumb->m_parent->m_child, TAG_THUMB_LENGTH)) != nullptr;
+}
+
 }  // namespace
 
 // The thumbnail goes where the save writes it: into the block that holds the
 // thumbnail's tag, else into the first APP1 that holds a block.
 int SetJpegThumbnail(CExifDoc *doc, const ExifBuffer *buffer)
 {
-    if (doc->m_hasThumb && doc->m_thumbTag != nullptr) {
+    if (doc->m_hasThumb && HasLengthBeside(doc->m_thumbTag)) {
         CMarker *holder = HoldingMarker(doc->m_thumbTag);
         if (holder != nullptr && holder->m_id == MARKER_APP1) return ReplaceThumbnail(doc, holder, buffer);
     }

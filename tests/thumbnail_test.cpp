@@ -45,6 +45,8 @@ const ThumbCase kCases[] = {
     {"a JPEG's IFD 0 gets an IFD 1 behind it", JpegOf({{kMake}}), Tags({{"IFD0", {kMake}}, {"IFD1", kThumbIfd}})},
     {"a JPEG's IFD 1 without thumbnail gives way", JpegOf({{kMake}, {Short(300, 1)}, {Short(301, 1)}}),
      Tags({{"IFD0", {kMake}}, {"IFD1", kThumbIfd}})},
+    {"a JPEG's IFD 1 with an offset but no length gives way", JpegOf({{kMake}, {Short(259, 6), Long(513, 8)}}),
+     Tags({{"IFD0", {kMake}}, {"IFD1", kThumbIfd}})},
     {"a JPEG's thumbnail is replaced where it stands",
      JpegOf({{kMake}, {OffsetsOf(513, {0}), Long(514, 100), Short(700, 1)}}, {}, {ThumbnailBytes(100)}),
      Tags({{"IFD0", {kMake}}, {"IFD1", {Long(513, 0), Long(514, 0), Short(700, 1)}}})},
@@ -143,7 +145,7 @@ TEST(SetThumbnail, RefusesWhatIsNoThumbnail)
     ASSERT_EQ(0, zExifSetTag(doc.get(), 700, &unsized, 0)) << "no save can size the block, so no estimate refuses";
     ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &one));
     ASSERT_EQ(0, zExifSetThumbnailData(doc.get(), &one));
-    EXPECT_EQ(-1, zExifGetThumbDataEx(doc.get(), &out, 0x400));
+    for (ExifBuffer *to : {&out, static_cast<ExifBuffer *>(nullptr)}) EXPECT_EQ(-1, zExifGetThumbDataEx(doc.get(), to, to == nullptr ? THUMB_TYPE_JPEG : 0x400));
     ASSERT_EQ(0, zExifGetThumbDataEx(doc.get(), &out, THUMB_TYPE_JPEG));
     EXPECT_EQ(Bytes{0xFF}, Bytes(out.data, out.data + out.size));
     std::free(out.data);
