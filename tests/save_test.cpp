@@ -152,6 +152,7 @@ TEST(TempFile, IsNamedAfterTheTargetAndCleanedUpAfterACrash)
     dir.Write("a.jpg", {'a'});
     MakeTempPath(stem, target.c_str());
     stem = stem.substr(dir.m_path.size() + 1);
+    EXPECT_EQ('~', stem[stem.size() - 13]) << "the long name's hash takes eight digits";
     EXPECT_EQ(-SIGKILL, InChild([&] {
         std::signal(SIGXFSZ, [](int) { std::raise(SIGKILL); });
         struct rlimit limit = {8192, 8192};
