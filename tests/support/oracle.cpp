@@ -333,6 +333,7 @@ void CheckFile(const Bytes &bytes, const std::string &label)
         DocPtr other(zExifLoadFile(path.c_str()));
         EXPECT_EQ(1, zExifIsThumbnailExist(other.get())) << label;
         EXPECT_EQ(raw.thumbnail, DocThumbnail(other.get())) << label;
+        EXPECT_EQ(raw.thumbnail, DocThumbnail(DocPtr(zExifLoadFile(path.c_str())).get(), THUMB_TYPE_JPEG)) << label;
     }
     CheckSave(doc.get(), bytes, raw, dir, label);
 }

@@ -88,10 +88,10 @@ Bytes ValueBytes(const ExifTagValue &value)
     return Bytes(p, p + size);
 }
 
-Bytes DocThumbnail(CExifDoc *doc)
+Bytes DocThumbnail(CExifDoc *doc, uint32_t type)
 {
     ExifBuffer out = {};
-    if (zExifGetThumbnailData(doc, &out) != 0) return {};
+    if ((type == 0 ? zExifGetThumbnailData(doc, &out) : zExifGetThumbDataEx(doc, &out, type)) != 0) return {};
     Bytes bytes(out.data, out.data + out.size);
     std::free(out.data);
     return bytes;

@@ -31,8 +31,9 @@ std::vector<RawSegment> TreeSegments(const CExifDoc &doc);
 // The bytes of a value handed out by either family.
 Bytes ValueBytes(const ExifTagValue &value);
 
-// The thumbnail a document hands out; empty for none.
-Bytes DocThumbnail(CExifDoc *doc);
+// The thumbnail a document hands out, through the call for that type where
+// one is given; empty for none.
+Bytes DocThumbnail(CExifDoc *doc, uint32_t type = 0);
 
 // A reader's answer for a tag as text: the value's bytes, "-" for none.
 std::string ReaderValue(CExifReader *reader, uint32_t tag);
