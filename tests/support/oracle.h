@@ -24,13 +24,12 @@ const RawTag *ExpectedReaderGet(const std::vector<RawTag> &tags, uint32_t tag);
 
 // Every check of one file's bytes: the load agrees with the raw reading, so
 // do the lookups of both families, the thumbnail and the raw blocks, and a
-// save keeps every tag, segment and image byte. Failures name label.
-void CheckFile(const Bytes &bytes, const std::string &label);
-
-// The tags a save must give after one edit of each kind: the file's own as
-// saved, with Artist set in IFD 0, a new UserComment in the Exif IFD, the
-// first plain tag of IFD 0 deleted and, for a JPEG, a new thumbnail.
-void CheckEdits(const Bytes &bytes, const std::string &label);
+// save keeps every tag, segment and image byte. With edits, a save after one
+// edit of each kind gives the file's own tags as saved, with Artist set in
+// IFD 0, a new UserComment in the Exif IFD, the first plain tag of IFD 0
+// deleted and, for a JPEG, a new thumbnail, and every other segment as it
+// was. Failures name label.
+void CheckFile(const Bytes &bytes, const std::string &label, bool edits = true);
 
 // For a file that may be damaged anywhere: the reader answers every question
 // without harm, the load agrees with the raw reading, and a save either
