@@ -100,7 +100,8 @@ TEST(InsertExifMarker, RefusesWhatIsNoExifBlock)
         ExifBuffer buffer = {payload.data(), uint32_t(payload.size())};
         EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), &buffer)) << damage;
     }
-    EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), nullptr));
+    ExifBuffer empty = {nullptr, uint32_t(good.size())};
+    for (ExifBuffer *none : {&empty, static_cast<ExifBuffer *>(nullptr)}) EXPECT_EQ(-1, zExifInsertExifMarker(doc.get(), none));
     // A block of a header alone is one; a thumbnail that lies outside its
     // block is none, one of a single byte inside it is one.
     const std::pair<Bytes, int> blocks[] = {
