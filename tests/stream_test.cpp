@@ -71,9 +71,10 @@ TEST(GrowingStream, ReadsBackWhatWasWrittenAndZerosWhereASeekPassed)
     EXPECT_EQ(1, stream.IsEof());
     EXPECT_EQ(0, stream.Seek(2, 2));
     EXPECT_EQ(1u, stream.Write("d", 1));
-    EXPECT_EQ(0, stream.Seek(0, 1));
+    EXPECT_EQ(0, stream.Seek(0, 0));
     EXPECT_EQ(0, stream.IsEof());
     char read[8] = {};
+    EXPECT_EQ(1u, stream.Read(read, 1));
     EXPECT_EQ(5u, stream.Read(read, 8));
     EXPECT_EQ(std::string("bc\0\0d", 5), std::string(read, 5));
     EXPECT_EQ(0, stream.Seek(1, 4));
@@ -136,6 +137,7 @@ TEST(WidePath, FilesOpenAsDescriptorZero)
     DocPtr doc(zExifLoadFile("a")), other(zExifLoadFile("a"));
     int saved = dup(0);
     close(0);
+    EXPECT_NE(nullptr, DocPtr(zExifLoadFile("a")).get());
     {
         CCachedFileObj cached;
         EXPECT_EQ(1, cached.Open("a"));
