@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "edit/ifd_chain.h"
+#include "reader/tif_tag_list.h"
 #include "support/files.h"
 #include "support/tree_records.h"
 #include "tree/document.h"
@@ -181,6 +182,18 @@ TEST(TagEdits, AnEqualNumberKeepsItsPlaceBehindTheNewEntry)
     EXPECT_EQ(279, place->m_id);
     EXPECT_EQ(300, place->m_next->m_id);
     EXPECT_EQ(310, FindInsertPoint(first, 301)->m_next->m_id);
+}
+
+// A list handed to a TIFF brings an Exif tag of a type that has no bytes.
+TEST(TagEdits, AListBringsAnExifTagWithoutBytes)
+{
+    TempDir dir;
+    DocPtr doc(zExifLoadFile(dir.Write("photo.tif", TiffOf({{kStripOffsets, kStripCounts}})).c_str()));
+    TifTagList *list = AllocTifTagList(1);
+    AddTifTagItem(list, AllocTifTagItem(0));
+    *list->items[0] = {41729, 13, 1, nullptr};
+    ASSERT_EQ(0, zExifSetTIFExifData(doc.get(), list));
+    EXPECT_NE(nullptr, doc->FindExifTag(41729));
 }
 
 }  // namespace
